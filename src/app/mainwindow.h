@@ -1,0 +1,43 @@
+#pragma once
+
+#include <QHash>
+#include <QMainWindow>
+#include <QPointer>
+
+class QMdiArea;
+class QMdiSubWindow;
+
+namespace vantrel {
+
+class Screen;
+struct Services;
+
+// The main window: the menu tree and the screens inside it, each kind at most once.
+class MainWindow final : public QMainWindow {
+    Q_OBJECT
+public:
+    explicit MainWindow(Services &services, QWidget *parent = nullptr);
+
+    // Brings the screen of a menu entry to the front, making it first if it is not open.
+    // Returns null for an entry whose screen the program does not have.
+    Screen *openScreen(const QString &entryName);
+    // Puts a new screen into its own window under a menu entry's name and makes it active; the
+    // window takes ownership and deletes it when closed.
+    void showScreen(const QString &entryName, Screen *screen);
+    // The open screen of a menu entry, or null.
+    Screen *screen(const QString &entryName) const;
+    QMdiArea *mdiArea() const { return m_mdiArea; }
+
+private:
+    void buildMenus();
+    void subWindowActivated(QMdiSubWindow *window);
+
+    Services &m_services;
+    QMdiArea *m_mdiArea;
+    QHash<QString, QPointer<QMdiSubWindow>> m_open;
+    // The screen whose activation ran last. A message box closing, or the program's window
+    // regaining focus, re-activates the same child: that is not a new activation.
+    QPointer<QMdiSubWindow> m_lastActive;
+};
+
+} // namespace vantrel

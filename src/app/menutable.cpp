@@ -1,0 +1,41 @@
+#include "menutable.h"
+
+#include "sales/salesscreen.h"
+
+namespace vantrel {
+
+namespace {
+
+template <typename S>
+Screen *make(Services &services)
+{
+    return new S(services);
+}
+
+} // namespace
+
+// The captions keep their uneven capitals; two entries read "Day Book" and open two screens.
+const QVector<Menu> &menuTable()
+{
+    static const QVector<Menu> menus = {
+        {"bill", "File", {{"rcpt", "Receipt", nullptr}, {"led", "Ledger", nullptr}}},
+        {"trans", "Transaction",
+         {{"sale", "Sales", make<SalesScreen>},
+          {"pur", "Purchase", nullptr},
+          {"pm", "Product master", nullptr},
+          {"sm", "Party master", nullptr},
+          {"cmpmst", "Company Master", nullptr}}},
+        {"srpt", "Sales Report",
+         {{"db", "Day Book", nullptr},
+          {"dwsrpt", "DateWise Sales Report", nullptr},
+          {"prsale", "Partywise sales Report", nullptr}}},
+        {"prpt", "Purchase Report",
+         {{"pdb", "Day Book", nullptr},
+          {"dtprpt", "DateWise Purchase Report", nullptr},
+          {"prpur", "Partywise Purchase Report", nullptr}}},
+        {"stk", "Stock", {{"stksum", "Stock Summary", nullptr}}},
+    };
+    return menus;
+}
+
+} // namespace vantrel

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <QVector>
+
+namespace vantrel {
+
+class Screen;
+struct Services;
+
+// Makes a screen of one kind; null for a menu entry whose screen the program does not have yet.
+using ScreenFactory = Screen *(*)(Services &services);
+
+struct MenuEntry {
+    const char *name;    // the command's name, the action's objectName ("rcpt")
+    const char *caption; // exactly as the menu shows it ("Receipt")
+    ScreenFactory make;
+};
+
+struct Menu {
+    const char *name;
+    const char *caption;
+    QVector<MenuEntry> entries;
+};
+
+// The main window's menu tree, in order.
+const QVector<Menu> &menuTable();
+
+} // namespace vantrel

@@ -1,0 +1,31 @@
+#pragma once
+
+#include "widgets/services.h"
+
+#include <memory>
+
+namespace vantrel {
+
+class MainWindow;
+
+// The running program: the shop's database, opened once, and the main window with the Sales
+// screen open inside it. The connection lives as long as the program.
+class Program {
+public:
+    // Opens vantrel.accdb in the program's directory and shows the main window with the Sales
+    // screen. Throws UnhandledError with the database's message when the file cannot be
+    // opened; no window is made then.
+    Program(const QString &programDirectory, Dialogs &dialogs, const Clock &clock,
+            std::function<void(const QString &)> unhandledError);
+    ~Program();
+
+    MainWindow &window() const { return *m_window; }
+    Database &db() const { return *m_db; }
+
+private:
+    std::unique_ptr<Database> m_db;
+    Services m_services;
+    std::unique_ptr<MainWindow> m_window;
+};
+
+} // namespace vantrel

@@ -1,0 +1,166 @@
+#include "database.h"
+
+#include "connectionstring.h"
+#include "shortdate.h"
+#include "sqlfunctions.h"
+#include "unhandlederror.h"
+
+#include <QRegularExpression>
+#include <QSqlDriver>
+#include <QSqlError>
+#include <QSqlRecord>
+#include <QUrl>
+#include <sqlite3.h>
+
+namespace vantrel {
+
+namespace {
+
+QString engineMessage(const QSqlError &error)
+{
+    const QString text = error.databaseText();
+    return text.isEmpty() ? error.text() : text;
+}
+
+QString uniqueConnectionName()
+{
+    static int opened = 0;
+    return QStringLiteral("vantrel-%1").arg(++opened);
+}
+
+// SQLite reads '%', '?' and '#' specially in a file URI; every other character stands as it is.
+QString fileUri(const QString &path)
+{
+    QString escaped = path;
+    escaped.replace(QLatin1Char('%'), QLatin1String("%25"))
+        .replace(QLatin1Char('?'), QLatin1String("%3f"))
+        .replace(QLatin1Char('#'), QLatin1String("%23"));
+    return QStringLiteral("file:") + escaped + QStringLiteral("?mode=rw");
+}
+
+} // namespace
+
+Database::Database(const QString &connectionString)
+    : m_connectionName(uniqueConnectionName()), m_fileName(dataSourceOf(connectionString))
+{
+    const QString failure = openConnection();
+    if (!failure.isEmpty()) {
+        QSqlDatabase::removeDatabase(m_connectionName);
+        throw UnhandledError(QStringLiteral("Cannot open the database file %1: %2").arg(m_fileName, failure));
+    }
+}
+
+QString Database::openConnection()
+{
+    QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), m_connectionName);
+    db.setDatabaseName(fileUri(m_fileName));
+    db.setConnectOptions(QStringLiteral("QSQLITE_OPEN_URI;QSQLITE_BUSY_TIMEOUT=5000"));
+    if (!db.open())
+        return engineMessage(db.lastError());
+
+    QString failure;
+    {
+        QSqlQuery probe(db);
+        // Write-ahead log with a sync at every commit: a statement that returned is on disk, and
+        // a crash at any moment leaves the file whole.
+        for (const char *setup : {"select count(*) from sqlite_master", "pragma journal_mode=wal", "pragma synchronous=full"}) {
+            if (!probe.exec(QLatin1String(setup))) {
+                failure = engineMessage(probe.lastError());
+                break;
+            }
+            probe.finish();
+        }
+    }
+    const QVariant handle = db.driver()->handle();
+    if (failure.isEmpty() && (qstrcmp(handle.typeName(), "sqlite3*") != 0 || !*static_cast<sqlite3 *const *>(handle.constData())))
+        failure = QStringLiteral("the SQLite driver gave no handle");
+    if (!failure.isEmpty()) {
+        db.close();
+        return failure;
+    }
+    registerSqlFunctions(*static_cast<sqlite3 *const *>(handle.constData()), ShortDate());
+    return {};
+}
+
+Database::~Database()
+{
+    {
+        QSqlDatabase db = QSqlDatabase::database(m_connectionName, false);
+        db.close();
+    }
+    QSqlDatabase::removeDatabase(m_connectionName);
+}
+
+void Database::execute(const QString &sql)
+{
+    finishPendingReads();
+    QSqlQuery statement(QSqlDatabase::database(m_connectionName, false));
+    if (!statement.exec(engineText(sql)))
+        fail(statement);
+}
+
+Recordset Database::query(const QString &sql)
+{
+    QSqlQuery query = startQuery(sql);
+    QStringList names;
+    const QSqlRecord record = query.record();
+    for (int i = 0; i < record.count(); ++i)
+        names << record.fieldName(i);
+    QVector<QVector<QVariant>> rows;
+    while (query.next()) {
+        QVector<QVariant> row(record.count());
+        for (int i = 0; i < record.count(); ++i)
+            row[i] = query.value(i);
+        rows.append(std::move(row));
+    }
+    if (query.lastError().isValid())
+        fail(query);
+    query.finish();
+    return Recordset(std::move(names), std::move(rows));
+}
+
+QSqlQuery Database::startQuery(const QString &sql)
+{
+    QSqlQuery query(QSqlDatabase::database(m_connectionName, false));
+    query.setForwardOnly(true);
+    if (!query.exec(engineText(sql)))
+        fail(query);
+    return query;
+}
+
+void Database::addPendingReader(PendingReader *reader)
+{
+    if (!m_pendingReaders.contains(reader))
+        m_pendingReaders.append(reader);
+}
+
+void Database::removePendingReader(PendingReader *reader)
+{
+    m_pendingReaders.removeAll(reader);
+}
+
+void Database::finishPendingReads()
+{
+    const QVector<PendingReader *> readers = m_pendingReaders;
+    for (PendingReader *reader : readers)
+        reader->readToEnd();
+    m_pendingReaders.clear();
+}
+
+void Database::fail(const QSqlQuery &query) const
+{
+    throw UnhandledError(engineMessage(query.lastError()));
+}
+
+QString Database::engineText(const QString &sql)
+{
+    static const QRegularExpression rightJoin(
+        QStringLiteral("\\b(\\w+)\\s+(\\w+)\\s+right\\s+join\\s+(\\w+)\\s+(\\w+)\\s+on\\b"),
+        QRegularExpression::CaseInsensitiveOption);
+    if (!sql.contains(QLatin1String("right"), Qt::CaseInsensitive))
+        return sql;
+    QString text = sql;
+    return text.replace(rightJoin, QStringLiteral("\\3 \\4 left join \\1 \\2 on"));
+}
+
+} // namespace vantrel

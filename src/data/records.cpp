@@ -1,0 +1,121 @@
+#include "records.h"
+
+#include "database.h"
+#include "recordset.h"
+#include "unhandlederror.h"
+
+#include <QLocale>
+#include <cmath>
+
+namespace vantrel {
+
+namespace {
+
+bool isDigit(QChar c) { return c >= QLatin1Char('0') && c <= QLatin1Char('9'); }
+
+// Turns a number text that may carry an exponent ("1.234568e+07") into plain decimal digits.
+QString plainDecimal(const QString &text)
+{
+    const qsizetype e = text.indexOf(QLatin1Char('e'), 0, Qt::CaseInsensitive);
+    if (e < 0)
+        return text;
+    QString mantissa = text.left(e);
+    const int exponent = text.mid(e + 1).toInt();
+    QString sign;
+    if (mantissa.startsWith(QLatin1Char('-'))) {
+        sign = QStringLiteral("-");
+        mantissa.remove(0, 1);
+    }
+    qsizetype point = mantissa.indexOf(QLatin1Char('.'));
+    if (point < 0)
+        point = mantissa.size();
+    QString digits = mantissa;
+    digits.remove(QLatin1Char('.'));
+    const qsizetype newPoint = point + exponent;
+    QString result;
+    if (newPoint <= 0)
+        result = QStringLiteral("0.") + QString(-newPoint, QLatin1Char('0')) + digits;
+    else if (newPoint >= digits.size())
+        result = digits + QString(newPoint - digits.size(), QLatin1Char('0'));
+    else
+        result = digits.left(newPoint) + QLatin1Char('.') + digits.mid(newPoint);
+    return sign + result;
+}
+
+} // namespace
+
+double val(const QString &text)
+{
+    qsizetype i = 0;
+    const qsizetype n = text.size();
+    while (i < n && (text[i] == QLatin1Char(' ') || text[i] == QLatin1Char('\t')))
+        ++i;
+    const qsizetype start = i;
+    if (i < n && (text[i] == QLatin1Char('-') || text[i] == QLatin1Char('+')))
+        ++i;
+    bool digits = false;
+    while (i < n && isDigit(text[i])) {
+        ++i;
+        digits = true;
+    }
+    if (i < n && text[i] == QLatin1Char('.')) {
+        ++i;
+        while (i < n && isDigit(text[i])) {
+            ++i;
+            digits = true;
+        }
+    }
+    if (!digits)
+        return 0;
+    qsizetype end = i;
+    if (i < n && (text[i] == QLatin1Char('e') || text[i] == QLatin1Char('E'))) {
+        qsizetype j = i + 1;
+        if (j < n && (text[j] == QLatin1Char('-') || text[j] == QLatin1Char('+')))
+            ++j;
+        if (j < n && isDigit(text[j])) {
+            while (j < n && isDigit(text[j]))
+                ++j;
+            end = j;
+        }
+    }
+    const double value = QStringView(text).mid(start, end - start).toDouble();
+    return std::isfinite(value) ? value : 0;
+}
+
+QString singleText(float value)
+{
+    if (value == 0)
+        return QStringLiteral("0");
+    QString text;
+    for (int precision = 1; precision <= 7; ++precision) {
+        text = QString::number(value, 'g', precision);
+        if (text.toFloat() == value)
+            break;
+    }
+    return plainDecimal(text);
+}
+
+QString doubleText(double value)
+{
+    if (value == 0)
+        return QStringLiteral("0");
+    return plainDecimal(QString::number(value, 'g', QLocale::FloatingPointShortest));
+}
+
+qint16 toInt16(double value)
+{
+    const double rounded = std::nearbyint(value); // the default rounding mode: half to even
+    if (!(rounded >= -32768.0 && rounded <= 32767.0))
+        throw UnhandledError(QStringLiteral("Overflow"));
+    return static_cast<qint16>(rounded);
+}
+
+double nextNumber(Database &db, const QString &maxQuery, const QString &column)
+{
+    const Recordset result = db.query(maxQuery);
+    if (result.eof())
+        return 1;
+    return result.number(column) + 1;
+}
+
+} // namespace vantrel

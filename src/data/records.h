@@ -1,0 +1,32 @@
+#pragma once
+
+#include <QString>
+#include <QtGlobal>
+
+namespace vantrel {
+
+class Database;
+
+// Leading-number reading of a field: the longest leading decimal number of the text (blanks
+// before it skipped, an optional sign, digits with one decimal point, an optional exponent),
+// else 0. "12abc" is 12, "" is 0, "-3.5x" is -3.5.
+double val(const QString &text);
+
+// Single-precision figure as text: the shortest text of at most 7 significant digits that reads
+// back as the same single, or its 7-digit rounding; plain decimal, no separators (250, 12.5,
+// 123456.78 gives 123456.8).
+QString singleText(float value);
+
+// Double figure as text: the shortest plain decimal text that reads back equal (92.55, 37.5).
+QString doubleText(double value);
+
+// Conversion to a 16-bit signed integer, rounding half to even (8.5 gives 8, 9.5 gives 10).
+// Throws UnhandledError("Overflow") outside -32768..32767.
+qint16 toInt16(double value);
+
+// The next number of a series: runs a "select max(col) as col from ..." query and returns the
+// maximum plus one, a null maximum counting as 0; 1 when the query returns no row.
+// Throws UnhandledError when the database rejects the query.
+double nextNumber(Database &db, const QString &maxQuery, const QString &column);
+
+} // namespace vantrel

@@ -1,0 +1,102 @@
+#include "schema.h"
+
+#include "unhandlederror.h"
+
+#include <QFile>
+#include <cerrno>
+#include <cstring>
+#include <fcntl.h>
+#include <sqlite3.h>
+#include <unistd.h>
+
+namespace vantrel {
+
+// Text columns compare without regard to case, as the shop's queries expect, and let prefix
+// likes use an index. Numbers are doubles; ledger.refno is the one 16-bit column. There are no
+// unique constraints: the screens check uniqueness themselves where they do.
+const char *schemaText()
+{
+    return R"sql(
+create table companymaster(
+    companyname text collate nocase, cmpid text collate nocase, shortname text collate nocase,
+    address text collate nocase, pin text collate nocase);
+create table productmaster(
+    cmpid text collate nocase, mfgname text collate nocase, psrno double, prodname text collate nocase,
+    shortname text collate nocase, model text collate nocase, mrp double, wr double, rate double,
+    boxno text collate nocase);
+create table suppliermaster(
+    ID double, suppname text collate nocase, shortname text collate nocase, address text collate nocase,
+    city text collate nocase, phone text collate nocase, mobile text collate nocase, pin text collate nocase,
+    cbso text collate nocase, acctype text collate nocase);
+create table salesmain(
+    invoice double, dat text collate nocase, party text collate nocase, trans text collate nocase,
+    netamt double, dis double, disamt double, gd double);
+create table sales(
+    cmpid text collate nocase, psrno double, invoice text collate nocase, prodname text collate nocase,
+    party text collate nocase, model text collate nocase, qty double, rate double, amount double,
+    trans text collate nocase, status text collate nocase);
+create table purchasemain(
+    pono double, dat text collate nocase, party text collate nocase, trans text collate nocase, netamt double);
+create table purchase(
+    cmpid text collate nocase, psrno double, pono text collate nocase, prodname text collate nocase,
+    party text collate nocase, model text collate nocase, qty double, rate double, amount double,
+    trans text collate nocase, status text collate nocase);
+create table stock(
+    cmpid text collate nocase, pono text collate nocase, psrno double, prodname text collate nocase,
+    model text collate nocase, party text collate nocase, totqty double, rate double, amt double,
+    usedqty double, stk double);
+create table ledger(
+    refno smallint, dat text collate nocase, ac text collate nocase, debit double, credit double,
+    accnm text collate nocase, type text collate nocase, balance double);
+
+create view receipt as
+    select refno, dat, ac, credit as amt, accnm from ledger where type = 'receipt';
+
+create index companymaster_cmpid on companymaster(cmpid);
+create index companymaster_name on companymaster(companyname);
+create index productmaster_key on productmaster(cmpid, psrno, prodname, boxno);
+create index productmaster_name on productmaster(prodname);
+create index productmaster_model on productmaster(model);
+create index suppliermaster_id on suppliermaster(ID);
+create index suppliermaster_name on suppliermaster(suppname);
+create index salesmain_key on salesmain(invoice, trans);
+create index salesmain_dat on salesmain(dat);
+create index sales_invoice on sales(invoice, trans);
+create index sales_party on sales(party, trans, status);
+create index purchasemain_key on purchasemain(pono, trans);
+create index purchasemain_dat on purchasemain(dat);
+create index purchase_pono on purchase(pono, trans);
+create index purchase_party on purchase(party, trans, status);
+create index stock_name on stock(prodname);
+create index stock_product on stock(cmpid, psrno);
+create index ledger_type on ledger(type, refno);
+create index ledger_account on ledger(ac, dat);
+create index ledger_accnm on ledger(accnm);
+
+pragma journal_mode = wal;
+)sql";
+}
+
+void createDatabaseFile(const QString &path)
+{
+    const QByteArray name = QFile::encodeName(path);
+    const int fd = ::open(name.constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
+    if (fd < 0)
+        throw UnhandledError(QStringLiteral("Cannot create %1: %2").arg(path, QString::fromLocal8Bit(std::strerror(errno))));
+    ::close(fd);
+
+    sqlite3 *db = nullptr;
+    int rc = sqlite3_open_v2(name.constData(), &db, SQLITE_OPEN_READWRITE, nullptr);
+    char *error = nullptr;
+    if (rc == SQLITE_OK)
+        rc = sqlite3_exec(db, schemaText(), nullptr, nullptr, &error);
+    const QString message = error ? QString::fromUtf8(error) : QString::fromUtf8(sqlite3_errmsg(db));
+    sqlite3_free(error);
+    sqlite3_close(db);
+    if (rc != SQLITE_OK) {
+        QFile::remove(path);
+        throw UnhandledError(QStringLiteral("Cannot write the tables into %1: %2").arg(path, message));
+    }
+}
+
+} // namespace vantrel

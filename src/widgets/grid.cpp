@@ -1,0 +1,126 @@
+#include "grid.h"
+
+#include "gridmodel.h"
+
+#include <QHeaderView>
+#include <QKeyEvent>
+
+namespace vantrel {
+
+Grid::Grid(const QString &accessibleName, QWidget *parent) : QTableView(parent), m_model(new GridModel(this))
+{
+    setAccessibleName(accessibleName);
+    setModel(m_model);
+    setEditTriggers(QAbstractItemView::NoEditTriggers);
+    setSelectionMode(QAbstractItemView::SingleSelection);
+    setSelectionBehavior(QAbstractItemView::SelectItems);
+    setTabKeyNavigation(false);
+    verticalHeader()->setDefaultSectionSize(fontMetrics().height() + 6);
+    horizontalHeader()->setSectionsClickable(true);
+    connect(horizontalHeader(), &QHeaderView::sectionClicked, this, &Grid::headingClicked);
+    connect(this, &QAbstractItemView::pressed, this, [this] { m_headingCurrent = false; });
+    connect(this, &QAbstractItemView::clicked, this, [this] { emit chosen(); });
+    connect(m_model, &GridModel::readFailed, this, &Grid::readFailed);
+}
+
+void Grid::setFixedFirstColumn(bool fixed)
+{
+    m_model->setLeadingColumn(fixed);
+}
+
+void Grid::bind(Database &db, const QString &sql)
+{
+    m_model->bind(db, sql);
+    applyWidths();
+    if (m_model->loadedRows() > 0) {
+        setCurrentIndex(m_model->index(0, 0));
+    } else {
+        m_headingCurrent = true;
+        m_headingColumn = 0;
+    }
+}
+
+void Grid::clear()
+{
+    m_model->clear();
+    m_headingCurrent = true;
+    m_headingColumn = 0;
+}
+
+int Grid::rows()
+{
+    m_model->readToEnd();
+    return m_model->loadedRows() + 1;
+}
+
+int Grid::cols() const
+{
+    return m_model->columns();
+}
+
+QString Grid::text(int row, int col)
+{
+    if (row == 0)
+        return m_model->heading(col);
+    return m_model->cell(row - 1, col);
+}
+
+int Grid::row() const
+{
+    return m_headingCurrent || !currentIndex().isValid() ? 0 : currentIndex().row() + 1;
+}
+
+int Grid::col() const
+{
+    if (m_headingCurrent || !currentIndex().isValid())
+        return m_headingColumn;
+    return currentIndex().column();
+}
+
+void Grid::setCurrentCell(int row, int col)
+{
+    if (row <= 0) {
+        m_headingCurrent = true;
+        m_headingColumn = col;
+        return;
+    }
+    m_model->cell(row - 1, col); // loads the rows up to it
+    setCurrentIndex(m_model->index(row - 1, col));
+}
+
+void Grid::setColumnWidthTwips(int col, int twips)
+{
+    m_widthsTwips.insert(col, twips);
+    applyWidths();
+}
+
+void Grid::applyWidths()
+{
+    for (auto it = m_widthsTwips.cbegin(); it != m_widthsTwips.cend(); ++it)
+        setColumnWidth(it.key(), it.value() * logicalDpiX() / 1440);
+}
+
+void Grid::headingClicked(int section)
+{
+    setCurrentCell(0, section);
+    emit chosen();
+}
+
+void Grid::currentChanged(const QModelIndex &current, const QModelIndex &previous)
+{
+    QTableView::currentChanged(current, previous);
+    if (current.isValid())
+        m_headingCurrent = false;
+}
+
+void Grid::keyPressEvent(QKeyEvent *event)
+{
+    if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) {
+        emit chosen();
+        return;
+    }
+    QTableView::keyPressEvent(event);
+    emit keyPressed(event->key());
+}
+
+} // namespace vantrel

@@ -1,0 +1,62 @@
+#pragma once
+
+#include <QTableView>
+
+namespace vantrel {
+
+class Database;
+class GridModel;
+
+// The list grid of every screen. Row 0 is the heading row and counts in rows(); data rows are
+// 1..rows()-1. The current cell is the one a click or the keyboard made current; a click on a
+// heading makes row 0 current. A click on a cell or heading, and Enter pressed in the grid, are
+// the two ways to choose (chosen()); every other key pressed in it is reported (keyPressed()).
+// Numbers show as the system writes them. Widths are in twips, 15 to a pixel at 96 dpi.
+class Grid final : public QTableView {
+    Q_OBJECT
+public:
+    // The accessible name is the grid's role ("lines grid", "party list").
+    explicit Grid(const QString &accessibleName, QWidget *parent = nullptr);
+
+    // A register's grid: column 0 is fixed and empty, the query's columns are 1..n.
+    void setFixedFirstColumn(bool fixed);
+
+    // Shows the query's rows; the current cell becomes (1, 0) when there is a data row, else
+    // (0, 0). Throws UnhandledError when the query fails, leaving the grid as it was.
+    void bind(Database &db, const QString &sql);
+    // Detaches the grid from its data: no columns, no rows.
+    void clear();
+
+    // Row count with the heading row; reads every row of the result first.
+    int rows();
+    int cols() const;
+    // The text of a cell: row 0 gives the headings; outside the grid, an empty text.
+    QString text(int row, int col);
+
+    int row() const;
+    int col() const;
+    void setCurrentCell(int row, int col);
+
+    void setColumnWidthTwips(int col, int twips);
+
+signals:
+    void chosen();
+    void keyPressed(int key);
+    // Rows read while the program was idle could not be read: the database's message.
+    void readFailed(const QString &message);
+
+protected:
+    void keyPressEvent(QKeyEvent *event) override;
+    void currentChanged(const QModelIndex &current, const QModelIndex &previous) override;
+
+private:
+    void headingClicked(int section);
+    void applyWidths();
+
+    GridModel *m_model;
+    bool m_headingCurrent = true;
+    int m_headingColumn = 0;
+    QHash<int, int> m_widthsTwips;
+};
+
+} // namespace vantrel

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+namespace vantrel {
+
+// Fixed-width cells of a printed line: cut the text to its first N characters, then fill with
+// blanks to exactly N, after the text (padRight, left-aligned) or before it (padLeft).
+QString padRight(const QString &text, int width);
+QString padLeft(const QString &text, int width);
+QString spaces(int count);
+
+// The line printer: the plain-text file "LPT1" in the program's directory, created or
+// truncated for each document, each line ended by CR LF, and closed. Whoever wants paper links
+// that name to the printer device.
+class LinePrinter {
+public:
+    explicit LinePrinter(const QString &programDirectory);
+    QString devicePath() const { return m_devicePath; }
+
+    // Throws UnhandledError with the file error when the device cannot be opened (nothing is
+    // written then) or a line cannot be written.
+    void print(const QStringList &lines) const;
+
+private:
+    QString m_devicePath;
+};
+
+} // namespace vantrel

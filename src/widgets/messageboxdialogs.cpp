@@ -1,0 +1,20 @@
+#include "messageboxdialogs.h"
+
+#include <QMessageBox>
+
+namespace vantrel {
+
+void MessageBoxDialogs::inform(const QString &message)
+{
+    QMessageBox box(QMessageBox::NoIcon, QString::fromLatin1(ProgramTitle), message, QMessageBox::Ok, m_parent);
+    box.exec();
+}
+
+bool MessageBoxDialogs::ask(const QString &question)
+{
+    QMessageBox box(QMessageBox::NoIcon, QString::fromLatin1(ProgramTitle), question,
+                    QMessageBox::Yes | QMessageBox::No, m_parent);
+    return box.exec() == QMessageBox::Yes;
+}
+
+} // namespace vantrel

@@ -1,0 +1,23 @@
+#pragma once
+
+#include "dialogs.h"
+
+#include <QPointer>
+#include <QWidget>
+
+namespace vantrel {
+
+inline constexpr const char *ProgramTitle = "Vantrel";
+
+// Dialogs as QMessageBoxes without icon, titled with the program title, modal over the parent.
+class MessageBoxDialogs final : public Dialogs {
+public:
+    void setParent(QWidget *parent) { m_parent = parent; }
+    void inform(const QString &message) override;
+    bool ask(const QString &question) override;
+
+private:
+    QPointer<QWidget> m_parent;
+};
+
+} // namespace vantrel

@@ -1,0 +1,66 @@
+#include "screen.h"
+
+#include "data/unhandlederror.h"
+#include "grid.h"
+#include "uppercasefilter.h"
+
+#include <QLineEdit>
+#include <QMdiSubWindow>
+#include <QPushButton>
+
+namespace vantrel {
+
+Screen::Screen(Services &services, const QString &caption, QWidget *parent) : QWidget(parent), m_services(services)
+{
+    setWindowTitle(caption);
+    setAccessibleName(caption);
+}
+
+void Screen::guard(const std::function<void()> &action)
+{
+    try {
+        action();
+    } catch (const UnhandledError &error) {
+        m_services.unhandledError(error.message());
+    } catch (const std::exception &error) {
+        m_services.unhandledError(QString::fromLocal8Bit(error.what()));
+    }
+}
+
+void Screen::closeScreen()
+{
+    if (auto *window = qobject_cast<QMdiSubWindow *>(parentWidget()))
+        window->close();
+    else
+        close();
+}
+
+QLineEdit *Screen::makeField(const QString &accessibleName, const QString &objectName)
+{
+    auto *field = new QLineEdit(this);
+    field->setAccessibleName(accessibleName);
+    field->setObjectName(objectName);
+    return field;
+}
+
+Grid *Screen::makeGrid(const QString &accessibleName)
+{
+    auto *grid = new Grid(accessibleName, this);
+    connect(grid, &Grid::readFailed, this, [this](const QString &message) { m_services.unhandledError(message); });
+    return grid;
+}
+
+QPushButton *Screen::makeCloseButton(const QString &caption, const QString &objectName)
+{
+    auto *button = new QPushButton(caption, this);
+    button->setObjectName(objectName);
+    connect(button, &QPushButton::clicked, this, &Screen::closeScreen);
+    return button;
+}
+
+void Screen::upperCaseTyping()
+{
+    new UpperCaseFilter(this);
+}
+
+} // namespace vantrel

@@ -1,0 +1,63 @@
+#pragma once
+
+#include "services.h"
+
+#include <QWidget>
+#include <functional>
+
+class QLineEdit;
+class QPushButton;
+
+namespace vantrel {
+
+class Grid;
+
+// The base of every screen shown inside the main window. A screen is made once, lives until
+// its close button or close box unloads it, and is told each time it becomes the active screen.
+// Its event handlers run through guard(): an UnhandledError ends the handler there, and its
+// message goes to the program's unhandled-error handler (statements already run stay written).
+class Screen : public QWidget {
+    Q_OBJECT
+public:
+    Screen(Services &services, const QString &caption, QWidget *parent = nullptr);
+
+    // Runs each time the screen becomes the active child of the main window.
+    virtual void activated() {}
+
+    // Runs one action of the screen; never lets an exception out.
+    void guard(const std::function<void()> &action);
+
+    // Unloads the screen (its window is closed and deleted).
+    void closeScreen();
+
+protected:
+    Services &services() const { return m_services; }
+    Database &db() const { return m_services.db; }
+    Dialogs &dialogs() const { return m_services.dialogs; }
+
+    // Connects a signal to a handler of the screen, run through guard().
+    template <typename Sender, typename Signal, typename Derived>
+    void on(Sender *sender, Signal signal, void (Derived::*handler)())
+    {
+        connect(sender, signal, this, [this, handler] { guard([&] { (static_cast<Derived *>(this)->*handler)(); }); });
+    }
+    template <typename Sender, typename Signal, typename Derived, typename Arg>
+    void on(Sender *sender, Signal signal, void (Derived::*handler)(Arg))
+    {
+        connect(sender, signal, this, [this, handler](Arg arg) { guard([&] { (static_cast<Derived *>(this)->*handler)(arg); }); });
+    }
+
+    // A text field named for screen readers by its on-screen label (or role, when it has none).
+    QLineEdit *makeField(const QString &accessibleName, const QString &objectName = {});
+    // A grid named by its role; rows it fails to read later go to the unhandled-error handler.
+    Grid *makeGrid(const QString &accessibleName);
+    // The close button: unloads the screen.
+    QPushButton *makeCloseButton(const QString &caption, const QString &objectName = {});
+    // Every character typed anywhere on the screen reaches its field in upper case.
+    void upperCaseTyping();
+
+private:
+    Services &m_services;
+};
+
+} // namespace vantrel

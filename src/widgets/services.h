@@ -1,0 +1,25 @@
+#pragma once
+
+#include <QString>
+#include <functional>
+
+namespace vantrel {
+
+class Clock;
+class Database;
+class Dialogs;
+
+// What every screen is given: the shop's database, the message boxes, today's date, the
+// program's own directory (where the printer file lies) and the handler of unhandled errors.
+// The program owns all of them for its whole life; screens only borrow them.
+struct Services {
+    Database &db;
+    Dialogs &dialogs;
+    const Clock &clock;
+    QString programDirectory;
+    // Shows the message of an error that ended an action. In the program it does not return: the
+    // program ends. In tests it records the message and the action is over.
+    std::function<void(const QString &)> unhandledError;
+};
+
+} // namespace vantrel

@@ -1,0 +1,58 @@
+#include "testshop.h"
+
+#include "data/connectionstring.h"
+#include "data/schema.h"
+#include "data/unhandlederror.h"
+
+#include <QDir>
+#include <QTest>
+
+namespace vantrel::test {
+
+bool ScriptedDialogs::ask(const QString &question)
+{
+    shown << question;
+    if (answers.isEmpty()) {
+        QTest::qFail(qPrintable(QStringLiteral("unscripted question: ") + question), __FILE__, __LINE__);
+        return false;
+    }
+    return answers.takeFirst();
+}
+
+TestShop::TestShop() : m_dir(QDir::tempPath() + QStringLiteral("/vantrel shop-XXXXXX"))
+{
+    createDatabaseFile(m_dir.path() + QStringLiteral("/vantrel.accdb"));
+    m_db = std::make_unique<Database>(buildConnectionString(m_dir.path()));
+    m_services.reset(new Services{*m_db, dialogs, clock, m_dir.path(),
+                                  [this](const QString &message) { unhandledErrors << message; }});
+}
+
+TestShop::~TestShop() = default;
+
+void TestShop::exec(const QString &sql)
+{
+    try {
+        m_db->execute(sql);
+    } catch (const UnhandledError &error) {
+        QTest::qFail(qPrintable(QStringLiteral("%1\n   failed: %2").arg(sql, error.message())), __FILE__, __LINE__);
+    }
+}
+
+QList<QStringList> TestShop::rows(const QString &sql)
+{
+    QList<QStringList> result;
+    try {
+        Recordset rs = m_db->query(sql);
+        for (; !rs.eof(); rs.moveNext()) {
+            QStringList row;
+            for (const QString &name : rs.fieldNames())
+                row << rs.text(name);
+            result << row;
+        }
+    } catch (const UnhandledError &error) {
+        QTest::qFail(qPrintable(QStringLiteral("%1\n   failed: %2").arg(sql, error.message())), __FILE__, __LINE__);
+    }
+    return result;
+}
+
+} // namespace vantrel::test

@@ -1,0 +1,59 @@
+#pragma once
+
+#include "data/database.h"
+#include "widgets/clock.h"
+#include "widgets/dialogs.h"
+#include "widgets/services.h"
+
+#include <QList>
+#include <QStringList>
+#include <QTemporaryDir>
+#include <memory>
+
+namespace vantrel::test {
+
+// Message boxes for tests: every message and question is recorded in order, and questions are
+// answered from a script. A question nobody scripted fails the test.
+class ScriptedDialogs final : public Dialogs {
+public:
+    void inform(const QString &message) override { shown << message; }
+    bool ask(const QString &question) override;
+
+    QStringList shown;
+    QList<bool> answers;
+};
+
+class FixedClock final : public Clock {
+public:
+    QDate today() const override { return day; }
+    QDate day{2026, 11, 23};
+};
+
+// A fresh shop: an empty database file written by the same code as vantrel-initdb, in a
+// temporary program directory whose name has a blank in it, opened through the connection
+// string. Unhandled errors are recorded instead of ending the program.
+class TestShop {
+public:
+    TestShop();
+    ~TestShop();
+
+    QString directory() const { return m_dir.path(); }
+    Database &db() { return *m_db; }
+    Services &services() { return *m_services; }
+
+    // Runs a statement; a failure fails the test, naming the statement and the database's error.
+    void exec(const QString &sql);
+    // Every row of a query, each field as the screens show it.
+    QList<QStringList> rows(const QString &sql);
+
+    ScriptedDialogs dialogs;
+    FixedClock clock;
+    QStringList unhandledErrors;
+
+private:
+    QTemporaryDir m_dir;
+    std::unique_ptr<Database> m_db;
+    std::unique_ptr<Services> m_services;
+};
+
+} // namespace vantrel::test

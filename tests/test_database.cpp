@@ -1,0 +1,219 @@
+// The database file: opening and its failures, the schema, the date functions, the engine's
+// handling of the system's query texts, and statements that fail.
+#include "data/connectionstring.h"
+#include "data/database.h"
+#include "data/schema.h"
+#include "data/unhandlederror.h"
+#include "support/testmain.h"
+#include "support/testshop.h"
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+#include <qplatformdefs.h>
+
+using namespace vantrel;
+
+namespace {
+
+// The message of the UnhandledError that ACTION throws, or "(no error)".
+template <typename F>
+QString errorOf(F action)
+{
+    try {
+        action();
+    } catch (const UnhandledError &error) {
+        return error.message();
+    }
+    return QStringLiteral("(no error)");
+}
+
+} // namespace
+
+class DatabaseTest : public QObject {
+    Q_OBJECT
+private slots:
+    void connectionStringIsBuiltAndParsed()
+    {
+        const QString text = buildConnectionString(QStringLiteral("/opt/my shop"));
+        QCOMPARE(text, QStringLiteral("Provider=Microsoft.ACE.OLEDB.12.0;Data Source=/opt/my shop/vantrel.accdb;"
+                                      "Jet OLEDB:Database Password=tamarin5252;"));
+        QCOMPARE(dataSourceOf(text), QStringLiteral("/opt/my shop/vantrel.accdb"));
+    }
+
+    void aMissingFileFailsTheOpenAndIsNotCreated()
+    {
+        QTemporaryDir dir;
+        const QString message = errorOf([&] { Database db(buildConnectionString(dir.path())); });
+        QCOMPARE(message, QStringLiteral("Cannot open the database file %1/vantrel.accdb: unable to open database file").arg(dir.path()));
+        QVERIFY(!QFile::exists(dir.path() + "/vantrel.accdb"));
+    }
+
+    void aFileThatIsNotADatabaseFailsTheOpen()
+    {
+        QTemporaryDir dir;
+        QFile file(dir.path() + "/vantrel.accdb");
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write(QByteArray(4096, 'x'));
+        file.close();
+        const QString message = errorOf([&] { Database db(buildConnectionString(dir.path())); });
+        QVERIFY2(message.endsWith(QStringLiteral("file is not a database")), qPrintable(message));
+    }
+
+    void anUnreadableFileFailsTheOpen()
+    {
+        // A folder where the file should be cannot be read as one, whoever runs the test.
+        QTemporaryDir dir;
+        QVERIFY(QDir(dir.path()).mkdir(QStringLiteral("vantrel.accdb")));
+        const QString message = errorOf([&] { Database db(buildConnectionString(dir.path())); });
+        QVERIFY2(message.startsWith(QStringLiteral("Cannot open the database file ")), qPrintable(message));
+    }
+
+    void aDirectoryWithBlanksAndUriCharactersOpens()
+    {
+        QTemporaryDir parent;
+        const QString dir = parent.path() + QStringLiteral("/my shop %20 ?x #1");
+        QVERIFY(QDir().mkpath(dir));
+        createDatabaseFile(dir + "/vantrel.accdb");
+        Database db(buildConnectionString(dir));
+        db.execute(QStringLiteral("insert into companymaster(cmpid) values('C1')"));
+        QCOMPARE(db.query(QStringLiteral("select cmpid from companymaster")).text(QStringLiteral("cmpid")), QStringLiteral("C1"));
+        QCOMPARE(QDir(dir).entryList({"*.accdb"}), QStringList{"vantrel.accdb"});
+    }
+
+    void initToolNeverOverwritesAndKeepsTheFilePrivate()
+    {
+        QTemporaryDir dir;
+        const QString path = dir.path() + "/vantrel.accdb";
+        createDatabaseFile(path);
+        QT_STATBUF status;
+        QCOMPARE(QT_STAT(QFile::encodeName(path).constData(), &status), 0);
+        QCOMPARE(status.st_mode & 0777, 0600u);
+        {
+            Database db(buildConnectionString(dir.path()));
+            db.execute(QStringLiteral("insert into suppliermaster(ID,suppname) values('1','KEPT')"));
+        }
+        QVERIFY(errorOf([&] { createDatabaseFile(path); }).startsWith(QStringLiteral("Cannot create")));
+        Database db(buildConnectionString(dir.path()));
+        QCOMPARE(db.query(QStringLiteral("select suppname from suppliermaster")).text(QStringLiteral("suppname")), QStringLiteral("KEPT"));
+    }
+
+    void everyTableHasItsColumns()
+    {
+        test::TestShop shop;
+        const QStringList queries = {
+            "select companyname,cmpid,shortname,address,pin from companymaster",
+            "select cmpid,mfgname,psrno,prodname,shortname,model,mrp,wr,rate,boxno from productmaster",
+            "select ID,suppname,shortname,address,city,phone,mobile,pin,cbso,acctype from suppliermaster",
+            "select invoice,dat,party,trans,netamt,dis,disamt,gd from salesmain",
+            "select cmpid,psrno,invoice,prodname,party,model,qty,rate,amount,trans,status from sales",
+            "select pono,dat,party,trans,netamt from purchasemain",
+            "select cmpid,psrno,pono,prodname,party,model,qty,rate,amount,trans,status from purchase",
+            "select cmpid,pono,psrno,prodname,model,party,totqty,rate,amt,usedqty,stk from stock",
+            "select refno,dat,ac,debit,credit,accnm,type,balance from ledger",
+            "select refno,dat,ac,amt,accnm from receipt",
+        };
+        for (const QString &query : queries)
+            QCOMPARE(shop.rows(query).size(), 0);
+    }
+
+    void receiptViewShowsTheLedgersReceipts()
+    {
+        test::TestShop shop;
+        shop.exec("insert into ledger(refno,dat,ac,credit,accnm,type) values(1,'11/23/2026','CASH','250','RAM','receipt')");
+        shop.exec("insert into ledger(refno,dat,ac,debit,type) values(1,'11/23/2026','RAM','90','payment')");
+        QCOMPARE(shop.rows("select refno,dat,ac,amt,accnm from receipt"),
+                 (QList<QStringList>{{"1", "11/23/2026", "CASH", "250", "RAM"}}));
+    }
+
+    void datesAreConvertedAndFormattedInsideQueries()
+    {
+        test::TestShop shop;
+        shop.exec("insert into salesmain(invoice,dat,trans) values('1','11/23/2026','C')");
+        shop.exec("insert into salesmain(invoice,dat,trans) values('2','1/5/2024','C')");
+        shop.exec("insert into salesmain(invoice,dat,trans) values('3','2026-11-02','C')");
+        QCOMPARE(shop.rows("select invoice, format(cdate(dat),'MM/DD/YYYY') as d from salesmain order by invoice"),
+                 (QList<QStringList>{{"1", "11/23/2026"}, {"2", "01/05/2024"}, {"3", "11/02/2026"}}));
+        QCOMPARE(shop.rows("select format(cdate(dat),'yyyy-mm-dd') as d, format(cdate(dat),'d mmm yy') as e from salesmain where invoice=2"),
+                 (QList<QStringList>{{"2024-01-05", "5 Jan 24"}}));
+        // The registers' month-first text comparison: a span inside November 2026.
+        QCOMPARE(shop.rows("select invoice from salesmain where format(cdate(dat),'MM/DD/YYYY')>='11/01/2026' "
+                           "and format(cdate(dat),'MM/DD/YYYY')<='11/30/2026' order by invoice"),
+                 (QList<QStringList>{{"1"}, {"3"}}));
+        QCOMPARE(shop.rows("select cdate(null) as d, format(null,'MM') as e"), (QList<QStringList>{{"", ""}}));
+    }
+
+    void aStoredDateThatIsNotADateFailsTheQuery()
+    {
+        test::TestShop shop;
+        shop.exec("insert into salesmain(invoice,dat,trans) values('1','11/23/2026','C')");
+        for (const char *bad : {"hello", "13/45/2026", "2/30/2026", "23/11/2026", "11/23"}) {
+            shop.exec(QStringLiteral("update salesmain set dat='%1'").arg(QLatin1String(bad)));
+            const QString message = errorOf([&] {
+                shop.db().query(QStringLiteral("select invoice from salesmain where format(cdate(dat),'MM/DD/YYYY')>='01/01/2026'"));
+            });
+            QVERIFY2(message == QStringLiteral("Data type mismatch in criteria expression."), bad);
+        }
+    }
+
+    void rightJoinsAndBracketAliasesRun()
+    {
+        test::TestShop shop;
+        shop.exec("insert into productmaster(cmpid,psrno,prodname,boxno) values('C1','1','PANADOL','B7')");
+        shop.exec("insert into productmaster(cmpid,psrno,prodname,boxno) values('C1','2','PARACIP','B8')");
+        shop.exec("insert into productmaster(cmpid,psrno,prodname,boxno) values('C2','1','ZINC','B9')");
+        shop.exec("insert into stock(cmpid,psrno,prodname,stk) values('C1','1','PANADOL','10')");
+        shop.exec("insert into stock(cmpid,psrno,prodname,stk) values('C1','1','PANADOL','4')");
+        const QString search = "select p.prodname,sum(s.stk) as stk,p.boxno,p.cmpid,p.psrno from stock s right join productmaster p "
+                               "on p.cmpid=s.cmpid and p.psrno=s.psrno where p.prodname like 'pa%' group by p.cmpid,p.psrno,p.prodname,p.boxno";
+        QVERIFY(Database::engineText(search).contains("from productmaster p left join stock s on"));
+        QCOMPARE(shop.rows(search), (QList<QStringList>{{"PANADOL", "14", "B7", "C1", "1"}, {"PARACIP", "", "B8", "C1", "2"}}));
+        shop.exec("insert into ledger(refno,dat,ac,debit,type) values(1,'11/23/2026','RAM','90','payment')");
+        const Recordset aliased = shop.db().query("select dat as [Date],ac as Name_of_Account,debit from ledger");
+        QCOMPARE(aliased.fieldNames(), (QStringList{"Date", "Name_of_Account", "debit"}));
+        QCOMPARE(aliased.text("date"), QStringLiteral("11/23/2026"));
+    }
+
+    void textComparesWithoutRegardToCase()
+    {
+        test::TestShop shop;
+        shop.exec("insert into suppliermaster(ID,suppname) values('1','Ram Traders')");
+        QCOMPARE(shop.rows("select ID from suppliermaster where suppname='RAM TRADERS'").size(), 1);
+        QCOMPARE(shop.rows("select suppname from suppliermaster where suppname like 'ram%'"), (QList<QStringList>{{"Ram Traders"}}));
+        QCOMPARE(shop.rows("select suppname from suppliermaster where suppname like 'am%'").size(), 0);
+    }
+
+    void aQuoteInAValueFailsTheStatementAndKeepsEarlierOnes()
+    {
+        test::TestShop shop;
+        shop.exec("insert into suppliermaster(ID,suppname) values('1','FIRST')");
+        const QString message = errorOf([&] { shop.db().execute("insert into suppliermaster(ID,suppname) values('2','O'NEIL')"); });
+        QVERIFY2(message.contains("syntax error"), qPrintable(message));
+        QCOMPARE(errorOf([&] { shop.db().query("select * from suppliermaster where ID="); }), QStringLiteral("incomplete input"));
+        QCOMPARE(shop.rows("select suppname from suppliermaster"), (QList<QStringList>{{"FIRST"}}));
+    }
+
+    void numbersAreStoredFromQuotedDigitsAndTextStaysAsTyped()
+    {
+        test::TestShop shop;
+        shop.exec("insert into sales(invoice,qty,rate,amount) values('12','3','12.5','37.5')");
+        shop.exec("insert into sales(invoice,qty,rate,amount) values('13','','abc','1e3')");
+        const Recordset rs = shop.db().query("select qty,rate,amount from sales where invoice='12'");
+        QCOMPARE(rs.value("qty").typeId(), int(QMetaType::Double));
+        QCOMPARE(rs.number("amount"), 37.5);
+        QCOMPARE(shop.rows("select qty,rate,amount from sales where invoice='13'"), (QList<QStringList>{{"", "abc", "1000"}}));
+        QCOMPARE(shop.rows("select sum(amount) as t from sales"), (QList<QStringList>{{"1037.5"}}));
+    }
+
+    void aWriteIsVisibleToASecondCopyOfTheProgram()
+    {
+        test::TestShop shop;
+        shop.exec("insert into companymaster(cmpid) values('C1')");
+        Database second(buildConnectionString(shop.directory()));
+        QCOMPARE(second.query("select count(*) as n from companymaster").number("n"), 1.0);
+        QCOMPARE(second.query("pragma journal_mode").text("journal_mode"), QStringLiteral("wal"));
+    }
+};
+
+VANTREL_TEST_MAIN(DatabaseTest)
+#include "test_database.moc"

@@ -1,0 +1,211 @@
+// The grid: heading row and current cell, the two ways to choose, other keys, the registers'
+// fixed column, lazy reading, and writes while a grid is still reading.
+#include "data/connectionstring.h"
+#include "data/unhandlederror.h"
+#include "support/testmain.h"
+#include "support/testshop.h"
+#include "support/ui.h"
+#include "widgets/grid.h"
+
+#include <QHeaderView>
+#include <QSignalSpy>
+
+using namespace vantrel;
+
+class GridTest : public QObject {
+    Q_OBJECT
+
+    // A shown grid bound to three suppliers, ordered by name.
+    struct BoundGrid {
+        test::TestShop shop;
+        Grid grid{QStringLiteral("party list")};
+        BoundGrid()
+        {
+            shop.exec("insert into suppliermaster(ID,suppname,city) values('1','ASHA','PUNE')");
+            shop.exec("insert into suppliermaster(ID,suppname,city) values('2','BIMAL','GOA')");
+            shop.exec("insert into suppliermaster(ID,suppname,city) values('1234567','CHAND','AGRA')");
+            grid.resize(500, 300);
+            grid.show();
+            grid.bind(shop.db(), "select suppname,ID,city from suppliermaster order by suppname");
+        }
+    };
+
+    void fillNumbers(test::TestShop &shop, int count)
+    {
+        shop.exec(QStringLiteral("with recursive n(i) as (select 1 union all select i+1 from n where i<%1) "
+                                 "insert into salesmain(invoice,dat,trans) select i,'11/23/2026','C' from n").arg(count));
+    }
+
+private slots:
+    void headingRowCountsAndCellsReadAsShown()
+    {
+        BoundGrid g;
+        QCOMPARE(g.grid.rows(), 4);
+        QCOMPARE(g.grid.cols(), 3);
+        QCOMPARE(g.grid.text(0, 0), QStringLiteral("suppname"));
+        QCOMPARE(g.grid.text(0, 1), QStringLiteral("ID"));
+        QCOMPARE(g.grid.text(1, 0), QStringLiteral("ASHA"));
+        QCOMPARE(g.grid.text(3, 1), QStringLiteral("1234567"));
+        QCOMPARE(g.grid.text(4, 0), QString());
+        QCOMPARE(g.grid.model()->data(g.grid.model()->index(2, 1)).toString(), QStringLiteral("1234567"));
+        QCOMPARE(g.grid.accessibleName(), QStringLiteral("party list"));
+    }
+
+    void afterABindRowOneColumnZeroIsCurrent()
+    {
+        BoundGrid g;
+        QCOMPARE(g.grid.row(), 1);
+        QCOMPARE(g.grid.col(), 0);
+        g.grid.bind(g.shop.db(), "select suppname from suppliermaster where suppname like 'Z%'");
+        QCOMPARE(g.grid.rows(), 1);
+        QCOMPARE(g.grid.row(), 0);
+        QCOMPARE(g.grid.text(0, 0), QStringLiteral("suppname"));
+    }
+
+    void aClickChoosesTheClickedCell()
+    {
+        BoundGrid g;
+        QSignalSpy chosen(&g.grid, &Grid::chosen);
+        test::clickCell(&g.grid, 3, 2);
+        QCOMPARE(chosen.size(), 1);
+        QCOMPARE(g.grid.row(), 3);
+        QCOMPARE(g.grid.col(), 2);
+        QCOMPARE(g.grid.text(g.grid.row(), g.grid.col()), QStringLiteral("AGRA"));
+    }
+
+    void aClickOnAHeadingMakesRowZeroCurrent()
+    {
+        BoundGrid g;
+        QSignalSpy chosen(&g.grid, &Grid::chosen);
+        test::clickCell(&g.grid, 0, 1);
+        QCOMPARE(chosen.size(), 1);
+        QCOMPARE(g.grid.row(), 0);
+        QCOMPARE(g.grid.col(), 1);
+        // The same data cell as before the heading click is a data row again.
+        test::clickCell(&g.grid, 1, 0);
+        QCOMPARE(g.grid.row(), 1);
+        QCOMPARE(chosen.size(), 2);
+    }
+
+    void enterChoosesAndOtherKeysAreReported()
+    {
+        BoundGrid g;
+        QSignalSpy chosen(&g.grid, &Grid::chosen);
+        QSignalSpy keys(&g.grid, &Grid::keyPressed);
+        g.grid.setFocus();
+        QTest::keyClick(&g.grid, Qt::Key_Down);
+        QCOMPARE(g.grid.row(), 2);
+        QTest::keyClick(&g.grid, Qt::Key_Return);
+        QCOMPARE(chosen.size(), 1);
+        QTest::keyClick(&g.grid, Qt::Key_X);
+        QCOMPARE(keys.size(), 2);
+        QCOMPARE(keys.at(0).at(0).toInt(), int(Qt::Key_Down));
+        QCOMPARE(keys.at(1).at(0).toInt(), int(Qt::Key_X));
+    }
+
+    void clearLeavesOnlyTheHeadingRow()
+    {
+        BoundGrid g;
+        g.grid.clear();
+        QCOMPARE(g.grid.rows(), 1);
+        QCOMPARE(g.grid.cols(), 0);
+        QCOMPARE(g.grid.row(), 0);
+        QCOMPARE(g.grid.text(1, 0), QString());
+    }
+
+    void aFailedBindKeepsWhatTheGridShowed()
+    {
+        BoundGrid g;
+        bool failed = false;
+        try {
+            g.grid.bind(g.shop.db(), "select suppname from suppliermaster where suppname like 'O'N%'");
+        } catch (const UnhandledError &) {
+            failed = true;
+        }
+        QVERIFY(failed);
+        QCOMPARE(g.grid.rows(), 4);
+        QCOMPARE(g.grid.text(2, 0), QStringLiteral("BIMAL"));
+    }
+
+    void aRegisterGridHasAFixedEmptyFirstColumn()
+    {
+        BoundGrid g;
+        g.grid.setFixedFirstColumn(true);
+        g.grid.bind(g.shop.db(), "select suppname,city from suppliermaster order by suppname");
+        QCOMPARE(g.grid.cols(), 3);
+        QCOMPARE(g.grid.text(0, 0), QString());
+        QCOMPARE(g.grid.text(0, 1), QStringLiteral("suppname"));
+        QCOMPARE(g.grid.text(1, 0), QString());
+        QCOMPARE(g.grid.text(1, 2), QStringLiteral("PUNE"));
+    }
+
+    void widthsAreInTwipsAndSurviveARebind()
+    {
+        BoundGrid g;
+        g.grid.setColumnWidthTwips(2, 3000);
+        QCOMPARE(g.grid.columnWidth(2), 3000 * g.grid.logicalDpiX() / 1440);
+        g.grid.bind(g.shop.db(), "select suppname,ID,city from suppliermaster");
+        QCOMPARE(g.grid.columnWidth(2), 3000 * g.grid.logicalDpiX() / 1440);
+    }
+
+    void largeResultsLoadLazilyButWalksSeeEveryRow()
+    {
+        test::TestShop shop;
+        fillNumbers(shop, 5000);
+        Grid grid(QStringLiteral("lines grid"));
+        grid.bind(shop.db(), "select invoice from salesmain order by invoice");
+        QVERIFY(grid.model()->rowCount() < 5000);
+        QCOMPARE(grid.text(4321, 0), QStringLiteral("4321"));
+        QCOMPARE(grid.rows(), 5001);
+        QCOMPARE(grid.text(5000, 0), QStringLiteral("5000"));
+        QCOMPARE(grid.model()->rowCount(), 5000);
+    }
+
+    void theRestIsReadWhileIdle()
+    {
+        test::TestShop shop;
+        fillNumbers(shop, 5000);
+        Grid grid(QStringLiteral("lines grid"));
+        grid.bind(shop.db(), "select invoice from salesmain");
+        QTRY_COMPARE(grid.model()->rowCount(), 5000);
+    }
+
+    void aWriteWhileAGridIsReadingIsOnDiskAtOnce()
+    {
+        test::TestShop shop;
+        fillNumbers(shop, 5000);
+        Grid grid(QStringLiteral("lines grid"));
+        grid.bind(shop.db(), "select invoice from salesmain");
+        shop.exec("insert into companymaster(cmpid) values('SAVED')");
+        // A second connection sees only what is committed.
+        Database second(buildConnectionString(shop.directory()));
+        QCOMPARE(second.query("select count(*) as n from companymaster").number("n"), 1.0);
+        QCOMPARE(grid.rows(), 5001);
+    }
+
+    void aRowThatFailsLaterIsReported()
+    {
+        test::TestShop shop;
+        fillNumbers(shop, 3000);
+        shop.exec("update salesmain set dat='NOT A DATE' where invoice=2500");
+        const QString query = "select invoice from salesmain where format(cdate(dat),'MM/DD/YYYY')>='01/01/2026'";
+        Grid walked(QStringLiteral("register grid"));
+        walked.bind(shop.db(), query);
+        bool failed = false;
+        try {
+            walked.rows();
+        } catch (const UnhandledError &error) {
+            failed = error.message() == QStringLiteral("Data type mismatch in criteria expression.");
+        }
+        QVERIFY(failed);
+
+        Grid idle(QStringLiteral("register grid"));
+        QSignalSpy readFailed(&idle, &Grid::readFailed);
+        idle.bind(shop.db(), query);
+        QTRY_COMPARE(readFailed.size(), 1);
+        QCOMPARE(readFailed.at(0).at(0).toString(), QStringLiteral("Data type mismatch in criteria expression."));
+    }
+};
+
+VANTREL_TEST_MAIN(GridTest)
+#include "test_grid.moc"

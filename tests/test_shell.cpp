@@ -1,0 +1,222 @@
+// Start-up, the main window's menu and screens, activation, upper-casing, the unhandled-error
+// path and the line printer.
+#include "app/mainwindow.h"
+#include "app/program.h"
+#include "data/schema.h"
+#include "data/unhandlederror.h"
+#include "support/testmain.h"
+#include "support/testshop.h"
+#include "support/ui.h"
+#include "widgets/lineprinter.h"
+#include "widgets/screen.h"
+
+#include <QDir>
+#include <QMdiArea>
+#include <QMdiSubWindow>
+#include <QMenuBar>
+#include <QTemporaryDir>
+#include <QVBoxLayout>
+
+using namespace vantrel;
+
+namespace {
+
+// A screen that counts its activations, with one field and a button whose action runs three
+// statements, the second of them broken by a quote.
+class ProbeScreen final : public Screen {
+public:
+    explicit ProbeScreen(Services &services) : Screen(services, QStringLiteral("Probe"))
+    {
+        auto *layout = new QVBoxLayout(this);
+        layout->addWidget(makeField(QStringLiteral("Name")));
+        auto *run = new QPushButton(QStringLiteral("&Run"), this);
+        layout->addWidget(run);
+        on(run, &QPushButton::clicked, &ProbeScreen::runClicked);
+        upperCaseTyping();
+    }
+    void activated() override { ++activations; }
+    void runClicked()
+    {
+        db().execute(QStringLiteral("insert into companymaster(cmpid) values('FIRST')"));
+        db().execute(QStringLiteral("insert into companymaster(cmpid) values('O'NEIL')"));
+        db().execute(QStringLiteral("insert into companymaster(cmpid) values('THIRD')"));
+    }
+    int activations = 0;
+};
+
+// The program started on a fresh shop directory.
+struct RunningProgram {
+    test::TestShop shop;
+    Program program{shop.directory(), shop.dialogs, shop.clock, [this](const QString &m) { shop.unhandledErrors << m; }};
+    MainWindow &window() { return program.window(); }
+    QList<QMdiSubWindow *> screens() { return window().mdiArea()->subWindowList(); }
+};
+
+QByteArray readFile(const QString &path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("(unreadable)");
+}
+
+} // namespace
+
+class ShellTest : public QObject {
+    Q_OBJECT
+private slots:
+    void startUpShowsOnlyTheSalesScreen()
+    {
+        RunningProgram p;
+        QVERIFY(p.window().isVisible());
+        QCOMPARE(p.window().windowTitle(), QStringLiteral("Vantrel"));
+        QCOMPARE(p.screens().size(), 1);
+        QCOMPARE(p.screens().first()->widget()->windowTitle(), QStringLiteral("Sales"));
+        QCOMPARE(p.window().mdiArea()->activeSubWindow(), p.screens().first());
+    }
+
+    void startUpWithoutADatabaseShowsNoWindow()
+    {
+        QTemporaryDir dir;
+        test::ScriptedDialogs dialogs;
+        test::FixedClock clock;
+        const int windowsBefore = int(QApplication::topLevelWidgets().size());
+        QString message;
+        try {
+            Program program(dir.path(), dialogs, clock, [](const QString &) {});
+        } catch (const UnhandledError &error) {
+            message = error.message();
+        }
+        QCOMPARE(message, QStringLiteral("Cannot open the database file %1/vantrel.accdb: unable to open database file").arg(dir.path()));
+        QCOMPARE(int(QApplication::topLevelWidgets().size()), windowsBefore);
+    }
+
+    void theMenuTreeHasTheSystemsNamesAndCaptions()
+    {
+        RunningProgram p;
+        QStringList tree;
+        for (QAction *menuAction : p.window().menuBar()->actions()) {
+            QMenu *menu = menuAction->menu();
+            tree << menu->objectName() + "=" + menu->title();
+            for (QAction *entry : menu->actions())
+                tree << "  " + entry->objectName() + "=" + entry->text();
+        }
+        QCOMPARE(tree, (QStringList{
+                           "bill=File", "  rcpt=Receipt", "  led=Ledger",
+                           "trans=Transaction", "  sale=Sales", "  pur=Purchase", "  pm=Product master",
+                           "  sm=Party master", "  cmpmst=Company Master",
+                           "srpt=Sales Report", "  db=Day Book", "  dwsrpt=DateWise Sales Report",
+                           "  prsale=Partywise sales Report",
+                           "prpt=Purchase Report", "  pdb=Day Book", "  dtprpt=DateWise Purchase Report",
+                           "  prpur=Partywise Purchase Report",
+                           "stk=Stock", "  stksum=Stock Summary"}));
+    }
+
+    void aSecondChoiceBringsTheSameScreenBack()
+    {
+        RunningProgram p;
+        Screen *sales = p.window().screen("sale");
+        QVERIFY(sales);
+        p.window().findChild<QAction *>("sale")->trigger();
+        QCOMPARE(p.screens().size(), 1);
+        QCOMPARE(p.window().screen("sale"), sales);
+    }
+
+    void entriesWithoutTheirScreenOpenNothing()
+    {
+        RunningProgram p;
+        for (const char *name : {"rcpt", "led", "pur", "pm", "sm", "cmpmst", "db", "dwsrpt", "prsale", "pdb", "dtprpt", "prpur", "stksum"}) {
+            p.window().findChild<QAction *>(name)->trigger();
+            QVERIFY2(!p.window().screen(name), name);
+        }
+        QCOMPARE(p.screens().size(), 1);
+    }
+
+    void closingAScreenUnloadsIt()
+    {
+        RunningProgram p;
+        QPointer<Screen> sales = p.window().screen("sale");
+        QTest::mouseClick(sales->findChild<QPushButton *>("cmdclose"), Qt::LeftButton);
+        QTRY_VERIFY(sales.isNull());
+        QVERIFY(p.screens().isEmpty());
+        Screen *fresh = p.window().openScreen("sale");
+        QVERIFY(fresh);
+        QCOMPARE(p.screens().size(), 1);
+    }
+
+    void activationRunsOnlyWhenTheActiveScreenChanges()
+    {
+        RunningProgram p;
+        auto *a = new ProbeScreen(p.shop.services());
+        p.window().showScreen("a", a);
+        QCOMPARE(a->activations, 1);
+        auto *b = new ProbeScreen(p.shop.services());
+        p.window().showScreen("b", b);
+        QCOMPARE(b->activations, 1);
+        // A message box closing, or the window regaining focus: null, then the same child again.
+        QMdiSubWindow *active = p.window().mdiArea()->activeSubWindow();
+        emit p.window().mdiArea()->subWindowActivated(nullptr);
+        emit p.window().mdiArea()->subWindowActivated(active);
+        QCOMPARE(b->activations, 1);
+        p.window().mdiArea()->setActiveSubWindow(qobject_cast<QMdiSubWindow *>(a->parentWidget()));
+        QCOMPARE(a->activations, 2);
+        QCOMPARE(b->activations, 1);
+    }
+
+    void typedLettersReachTheFieldInUpperCase()
+    {
+        test::TestShop shop;
+        ProbeScreen screen(shop.services());
+        screen.show();
+        test::type(&screen, "Name", "ab1-c d");
+        QCOMPARE(test::field(&screen, "Name")->text(), QStringLiteral("AB1-C D"));
+        QLineEdit outside;
+        outside.show();
+        QTest::keyClicks(&outside, "ab");
+        QCOMPARE(outside.text(), QStringLiteral("ab"));
+    }
+
+    void anUnhandledErrorEndsTheActionAndKeepsEarlierStatements()
+    {
+        test::TestShop shop;
+        ProbeScreen screen(shop.services());
+        screen.show();
+        test::click(&screen, "&Run");
+        QCOMPARE(shop.unhandledErrors.size(), 1);
+        QVERIFY2(shop.unhandledErrors.first().contains("syntax error"), qPrintable(shop.unhandledErrors.first()));
+        QCOMPARE(shop.rows("select cmpid from companymaster"), (QList<QStringList>{{"FIRST"}}));
+    }
+
+    void cellsArePaddedAfterOrBeforeTheCutText()
+    {
+        QCOMPARE(padRight("PARACETAMOL 500 TABLETS", 15), QStringLiteral("PARACETAMOL 500"));
+        QCOMPARE(padRight("2", 3), QStringLiteral("2  "));
+        QCOMPARE(padRight("12500", 4), QStringLiteral("1250"));
+        QCOMPARE(padLeft("37.5", 7), QStringLiteral("   37.5"));
+        QCOMPARE(padLeft("123456789", 8), QStringLiteral("12345678"));
+        QCOMPARE(padRight("", 2), QStringLiteral("  "));
+    }
+
+    void printingReplacesTheDeviceFileWithCrLfLines()
+    {
+        QTemporaryDir dir;
+        LinePrinter printer(dir.path());
+        printer.print({"FIRST DOCUMENT", "WITH TWO LINES"});
+        printer.print({spaces(2) + "A", ""});
+        QCOMPARE(readFile(dir.path() + "/LPT1"), QByteArray("  A\r\n\r\n"));
+    }
+
+    void aPrinterThatCannotBeOpenedIsAnError()
+    {
+        QTemporaryDir dir;
+        QVERIFY(QDir(dir.path()).mkdir("LPT1"));
+        QString message;
+        try {
+            LinePrinter(dir.path()).print({"LOST"});
+        } catch (const UnhandledError &error) {
+            message = error.message();
+        }
+        QVERIFY2(message.startsWith(QStringLiteral("Cannot open the printer %1/LPT1").arg(dir.path())), qPrintable(message));
+    }
+};
+
+VANTREL_TEST_MAIN(ShellTest)
+#include "test_shell.moc"
