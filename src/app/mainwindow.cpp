@@ -22,6 +22,13 @@ MainWindow::MainWindow(Services &services, QWidget *parent)
     resize(1280, 720);
 }
 
+// The screens' windows close while the main window is being destroyed; their activations must
+// not reach it then.
+MainWindow::~MainWindow()
+{
+    disconnect(m_mdiArea, nullptr, this, nullptr);
+}
+
 void MainWindow::buildMenus()
 {
     for (const Menu &menu : menuTable()) {

@@ -17,6 +17,7 @@ class MainWindow final : public QMainWindow {
     Q_OBJECT
 public:
     explicit MainWindow(Services &services, QWidget *parent = nullptr);
+    ~MainWindow() override;
 
     // Brings the screen of a menu entry to the front, making it first if it is not open.
     // Returns null for an entry whose screen the program does not have.
