@@ -12,7 +12,7 @@ Program::Program(const QString &programDirectory, Dialogs &dialogs, const Clock 
       m_services{*m_db, dialogs, clock, programDirectory, std::move(unhandledError)},
       m_window(std::make_unique<MainWindow>(m_services))
 {
-    m_window->show();
+    m_window->showMaximized();
     m_window->openScreen(QStringLiteral("sale"));
 }
 
