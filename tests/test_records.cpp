@@ -103,6 +103,7 @@ private slots:
         QCOMPARE(ShortDate(QLocale(QLocale::English, QLocale::UnitedStates)).text(day), QStringLiteral("11/23/2026"));
         QCOMPARE(ShortDate(QLocale(QLocale::English, QLocale::India)).text(day), QStringLiteral("23/11/2026"));
         QCOMPARE(ShortDate(QLocale(QLocale::English, QLocale::UnitedStates)).text(QDate(2024, 1, 5)), QStringLiteral("1/5/2024"));
+        QCOMPARE(ShortDate(QLocale::c()).text(day), QStringLiteral("11/23/2026"));
         const auto order = ShortDate(QLocale(QLocale::English, QLocale::India)).order();
         QCOMPARE(order[0], ShortDate::Day);
         QCOMPARE(order[1], ShortDate::Month);

@@ -74,7 +74,11 @@ void MainWindow::showScreen(const QString &entryName, Screen *screen)
     window->setAttribute(Qt::WA_DeleteOnClose);
     window->setWindowTitle(screen->windowTitle());
     m_open.insert(entryName, window);
+    const QSize wanted = screen->size();
     window->show();
+    // A window as large as the screen asks to be, as far as the main window has room.
+    const QSize frame = window->size() - screen->size();
+    window->resize((wanted + frame).boundedTo(m_mdiArea->size()));
     m_mdiArea->setActiveSubWindow(window);
 }
 

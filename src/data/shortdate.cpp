@@ -6,16 +6,21 @@ namespace vantrel {
 
 namespace {
 
-QString widenYear(QString pattern)
+// The locale's short pattern with a four-digit year. A locale whose short form spells the month
+// out (the bare "C" locale of a machine without one set) writes month-first digits instead.
+QString numericPattern(const QLocale &locale)
 {
     static const QRegularExpression shortYear(QStringLiteral("(?<!y)yy(?!y)"));
+    QString pattern = locale.dateFormat(QLocale::ShortFormat);
+    if (pattern.contains(QLatin1String("MMM")))
+        return QStringLiteral("M/d/yyyy");
     return pattern.replace(shortYear, QStringLiteral("yyyy"));
 }
 
 } // namespace
 
 ShortDate::ShortDate(const QLocale &locale)
-    : m_locale(locale), m_pattern(widenYear(locale.dateFormat(QLocale::ShortFormat)))
+    : m_locale(locale), m_pattern(numericPattern(locale))
 {
     int found = 0;
     QChar previous;

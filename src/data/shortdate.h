@@ -8,8 +8,9 @@
 namespace vantrel {
 
 // The system's short date form: the locale's short date pattern with the year widened to four
-// digits (en_US "M/d/yyyy" gives 11/23/2026, en_IN "dd/MM/yyyy" gives 23/11/2026). Dates are
-// written in this form and stored as text; they are never reformatted.
+// digits (en_US "M/d/yyyy" gives 11/23/2026, en_IN "dd/MM/yyyy" gives 23/11/2026); a locale
+// without a numeric short form gets "M/d/yyyy". Dates are written in this form and stored as
+// text; they are never reformatted.
 class ShortDate {
 public:
     enum Part { Day, Month, Year };

@@ -23,9 +23,13 @@ bool FieldEvents::eventFilter(QObject *, QEvent *event)
     case QEvent::MouseButtonRelease:
         emit clicked();
         break;
-    case QEvent::FocusOut:
-        emit focusLost();
+    case QEvent::FocusOut: {
+        // Only a move to another field counts, not a message box or another window taking it.
+        const Qt::FocusReason reason = static_cast<QFocusEvent *>(event)->reason();
+        if (reason != Qt::ActiveWindowFocusReason && reason != Qt::PopupFocusReason)
+            emit focusLost();
         break;
+    }
     default:
         break;
     }

@@ -19,7 +19,10 @@ Grid::Grid(const QString &accessibleName, QWidget *parent) : QTableView(parent),
     horizontalHeader()->setSectionsClickable(true);
     connect(horizontalHeader(), &QHeaderView::sectionClicked, this, &Grid::headingClicked);
     connect(this, &QAbstractItemView::pressed, this, [this] { m_headingCurrent = false; });
-    connect(this, &QAbstractItemView::clicked, this, [this] { emit chosen(); });
+    connect(this, &QAbstractItemView::clicked, this, [this] {
+        emit clicked();
+        emit chosen();
+    });
     connect(m_model, &GridModel::readFailed, this, &Grid::readFailed);
 }
 
@@ -30,7 +33,27 @@ void Grid::setFixedFirstColumn(bool fixed)
 
 void Grid::bind(Database &db, const QString &sql)
 {
-    m_model->bind(db, sql);
+    m_model->bind(db, sql, GridModel::Always);
+    afterBind();
+}
+
+bool Grid::bindIfAny(Database &db, const QString &sql)
+{
+    if (!m_model->bind(db, sql, GridModel::OnlyWithRows))
+        return false;
+    afterBind();
+    return true;
+}
+
+void Grid::refresh()
+{
+    if (m_model->refresh())
+        afterBind();
+}
+
+void Grid::afterBind()
+{
+    resizeColumnsToContents();
     applyWidths();
     if (m_model->loadedRows() > 0) {
         setCurrentIndex(m_model->index(0, 0));
@@ -103,6 +126,7 @@ void Grid::applyWidths()
 void Grid::headingClicked(int section)
 {
     setCurrentCell(0, section);
+    emit clicked();
     emit chosen();
 }
 
@@ -116,6 +140,7 @@ void Grid::currentChanged(const QModelIndex &current, const QModelIndex &previou
 void Grid::keyPressEvent(QKeyEvent *event)
 {
     if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) {
+        emit keyPressed(event->key());
         emit chosen();
         return;
     }

@@ -24,6 +24,11 @@ public:
     // Shows the query's rows; the current cell becomes (1, 0) when there is a data row, else
     // (0, 0). Throws UnhandledError when the query fails, leaving the grid as it was.
     void bind(Database &db, const QString &sql);
+    // Binds only when the query returns a row; otherwise the grid keeps what it showed.
+    // Returns whether it bound.
+    bool bindIfAny(Database &db, const QString &sql);
+    // Runs the query the grid is bound to again; nothing when it is detached.
+    void refresh();
     // Detaches the grid from its data: no columns, no rows.
     void clear();
 
@@ -40,7 +45,11 @@ public:
     void setColumnWidthTwips(int col, int twips);
 
 signals:
+    // A mouse click on a cell or a heading.
+    void clicked();
+    // A click, or Enter pressed in the grid.
     void chosen();
+    // Every key pressed in the grid, Enter included.
     void keyPressed(int key);
     // Rows read while the program was idle could not be read: the database's message.
     void readFailed(const QString &message);
@@ -51,6 +60,7 @@ protected:
 
 private:
     void headingClicked(int section);
+    void afterBind();
     void applyWidths();
 
     GridModel *m_model;

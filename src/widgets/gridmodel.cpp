@@ -32,33 +32,64 @@ void GridModel::setLeadingColumn(bool leading)
     endResetModel();
 }
 
-void GridModel::bind(Database &db, const QString &sql)
+bool GridModel::bind(Database &db, const QString &sql, BindMode mode)
 {
     QSqlQuery query = db.startQuery(sql); // throws before anything changes
+    const bool hasRow = query.next();
+    if (!hasRow && query.lastError().isValid())
+        throw UnhandledError(query.lastError().databaseText());
+    if (!hasRow && mode == OnlyWithRows) {
+        query.finish();
+        return false;
+    }
     beginResetModel();
     stopReading();
     m_db = &db;
+    m_sql = sql;
     m_query = std::move(query);
     m_headings.clear();
     const QSqlRecord record = m_query.record();
     for (int i = 0; i < record.count(); ++i)
         m_headings << record.fieldName(i);
     m_rows.clear();
-    m_reading = true;
-    m_db->addPendingReader(this);
+    if (hasRow) {
+        m_rows.append(currentRow());
+        m_reading = true;
+        m_db->addPendingReader(this);
+    } else {
+        m_query.finish();
+    }
     try {
-        fetch(Screenful, false);
+        fetch(Screenful - 1, false);
     } catch (...) {
         endResetModel();
         throw;
     }
     endResetModel();
+    return true;
+}
+
+bool GridModel::refresh()
+{
+    if (!m_db || m_sql.isEmpty())
+        return false;
+    return bind(*m_db, m_sql, Always);
+}
+
+QStringList GridModel::currentRow() const
+{
+    QStringList row;
+    row.reserve(m_headings.size());
+    for (int i = 0; i < m_headings.size(); ++i)
+        row << displayText(m_query.value(i));
+    return row;
 }
 
 void GridModel::clear()
 {
     beginResetModel();
     stopReading();
+    m_sql.clear();
     m_headings.clear();
     m_rows.clear();
     endResetModel();
@@ -97,7 +128,6 @@ void GridModel::fetch(int count, bool announce)
 {
     if (!m_reading)
         return;
-    const int fields = int(m_headings.size());
     QVector<QStringList> more;
     bool atEnd = false;
     for (int n = 0; n < count; ++n) {
@@ -105,11 +135,7 @@ void GridModel::fetch(int count, bool announce)
             atEnd = true;
             break;
         }
-        QStringList row;
-        row.reserve(fields);
-        for (int i = 0; i < fields; ++i)
-            row << displayText(m_query.value(i));
-        more.append(std::move(row));
+        more.append(currentRow());
     }
     const QSqlError error = m_query.lastError();
     if (!more.isEmpty()) {

@@ -22,9 +22,13 @@ public:
     // With a leading column, column 0 is fixed and empty and the query's columns follow it.
     void setLeadingColumn(bool leading);
 
-    // Replaces the rows with the query's. Throws UnhandledError when the query fails; the
-    // grid keeps what it showed then.
-    void bind(Database &db, const QString &sql);
+    enum BindMode { Always, OnlyWithRows };
+    // Replaces the rows with the query's; with OnlyWithRows, only when the query returns a row.
+    // Returns whether it replaced them. Throws UnhandledError when the query fails; the grid
+    // keeps what it showed then.
+    bool bind(Database &db, const QString &sql, BindMode mode);
+    // Binds the last query again; false when the model was never bound or was cleared.
+    bool refresh();
     // Shows nothing at all: no columns, no rows.
     void clear();
 
@@ -50,9 +54,11 @@ signals:
 private:
     void fetch(int count, bool announce = true);
     void fetchWhileIdle();
+    QStringList currentRow() const;
     void stopReading();
 
     Database *m_db = nullptr;
+    QString m_sql;
     QSqlQuery m_query;
     bool m_reading = false;
     bool m_leading = false;

@@ -43,9 +43,9 @@ QLineEdit *Screen::makeField(const QString &accessibleName, const QString &objec
     return field;
 }
 
-Grid *Screen::makeGrid(const QString &accessibleName)
+Grid *Screen::makeGrid(const QString &accessibleName, QWidget *parent)
 {
-    auto *grid = new Grid(accessibleName, this);
+    auto *grid = new Grid(accessibleName, parent ? parent : this);
     connect(grid, &Grid::readFailed, this, [this](const QString &message) { m_services.unhandledError(message); });
     return grid;
 }

@@ -30,27 +30,30 @@ public:
     // Unloads the screen (its window is closed and deleted).
     void closeScreen();
 
-protected:
     Services &services() const { return m_services; }
+
+protected:
     Database &db() const { return m_services.db; }
     Dialogs &dialogs() const { return m_services.dialogs; }
 
-    // Connects a signal to a handler of the screen, run through guard().
-    template <typename Sender, typename Signal, typename Derived>
-    void on(Sender *sender, Signal signal, void (Derived::*handler)())
+    // Connects a signal to a handler of the screen, or of a helper the screen owns, run through
+    // guard(). The handler takes the signal's arguments or none.
+    template <typename Sender, typename Signal, typename Receiver, typename... Args>
+    void on(Sender *sender, Signal signal, Receiver *receiver, void (Receiver::*handler)(Args...))
     {
-        connect(sender, signal, this, [this, handler] { guard([&] { (static_cast<Derived *>(this)->*handler)(); }); });
+        connect(sender, signal, receiver, [this, receiver, handler](Args... args) { guard([&] { (receiver->*handler)(args...); }); });
     }
-    template <typename Sender, typename Signal, typename Derived, typename Arg>
-    void on(Sender *sender, Signal signal, void (Derived::*handler)(Arg))
+    template <typename Sender, typename Signal, typename Derived, typename... Args>
+    void on(Sender *sender, Signal signal, void (Derived::*handler)(Args...))
     {
-        connect(sender, signal, this, [this, handler](Arg arg) { guard([&] { (static_cast<Derived *>(this)->*handler)(arg); }); });
+        on(sender, signal, static_cast<Derived *>(this), handler);
     }
 
     // A text field named for screen readers by its on-screen label (or role, when it has none).
     QLineEdit *makeField(const QString &accessibleName, const QString &objectName = {});
-    // A grid named by its role; rows it fails to read later go to the unhandled-error handler.
-    Grid *makeGrid(const QString &accessibleName);
+    // A grid named by its role, inside PARENT (the screen itself when null); rows it fails to
+    // read later go to the unhandled-error handler.
+    Grid *makeGrid(const QString &accessibleName, QWidget *parent = nullptr);
     // The close button: unloads the screen.
     QPushButton *makeCloseButton(const QString &caption, const QString &objectName = {});
     // Every character typed anywhere on the screen reaches its field in upper case.

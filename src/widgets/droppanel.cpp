@@ -1,0 +1,25 @@
+#include "droppanel.h"
+
+#include <QPointer>
+#include <QTimer>
+#include <QWidget>
+
+namespace vantrel {
+
+void showBelow(QWidget *panel, QWidget *field)
+{
+    QWidget *screen = panel->parentWidget();
+    const QPoint below = field->mapTo(screen, QPoint(0, field->height()));
+    const int width = qMin(qMax(field->width(), 560), screen->width() - below.x());
+    const int height = qMin(240, qMax(120, screen->height() - below.y()));
+    panel->setGeometry(below.x(), below.y(), width, height);
+    panel->raise();
+    panel->show();
+}
+
+void focusAfterwards(QWidget *widget)
+{
+    QTimer::singleShot(0, widget, [widget] { widget->setFocus(Qt::OtherFocusReason); });
+}
+
+} // namespace vantrel
