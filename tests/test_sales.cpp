@@ -452,16 +452,30 @@ private slots:
         QVERIFY(!panel->isHidden());
     }
 
-    void tabFromThePartyGoesIntoItsList()
+    void theKeyboardReachesBothLists()
     {
         SalesDesk d;
         d.type("C/D", "D");
         d.type("Party:", "RA");
         QTest::keyClick(field(d.sales, "Party:"), Qt::Key_Tab);
         QTRY_COMPARE(QApplication::focusWidget(), static_cast<QWidget *>(d.grid("party list")));
+        field(d.sales, "Party:")->setFocus();
+        QTest::keyClick(field(d.sales, "Party:"), Qt::Key_Down);
+        QCOMPARE(QApplication::focusWidget(), static_cast<QWidget *>(d.grid("party list")));
         QTest::keyClick(d.grid("party list"), Qt::Key_Down);
         QTest::keyClick(d.grid("party list"), Qt::Key_Return);
         QCOMPARE(d.text("Party:"), QStringLiteral("RAVI MEDICALS"));
+        // The choice hands the keyboard on to the product; the invoice is not restarted.
+        QCOMPARE(QApplication::focusWidget(), field(d.sales, "Product Name:"));
+        QCOMPARE(d.text("Invoice No :"), QStringLiteral("1"));
+
+        d.type("Product Name:", "PAN");
+        QTest::keyClick(field(d.sales, "Product Name:"), Qt::Key_Down);
+        QCOMPARE(QApplication::focusWidget(), static_cast<QWidget *>(d.grid("product/stock grid")));
+        QTest::keyClick(d.grid("product/stock grid"), Qt::Key_Return);
+        QCOMPARE(d.text("Product Name:"), QStringLiteral("PANADOL"));
+        QCOMPARE(QApplication::focusWidget(), field(d.sales, "Qty"));
+        QVERIFY(d.grid("product/stock grid")->parentWidget()->isHidden());
     }
 
     void aQuoteInThePartySearchEndsTheActionAndKeepsWhatWasSaved()

@@ -20,6 +20,12 @@ void ItemLookup::showPanel()
     showBelow(m_fields.panel, m_fields.productName);
 }
 
+void ItemLookup::productNameKeyPressed(int key)
+{
+    if (key == Qt::Key_Down && !m_fields.panel->isHidden())
+        m_fields.grid->setFocus(Qt::OtherFocusReason);
+}
+
 void ItemLookup::searchByName(int key)
 {
     if (m_fields.productName->text().isEmpty())
@@ -40,7 +46,7 @@ void ItemLookup::choose()
         return;
     }
     m_fields.productName->setText(grid->text(grid->row(), grid->col()));
-    m_fields.panel->hide();
+    hideAfterChoice(m_fields.panel, m_fields.qty);
     const Recordset product = m_screen->services().db.query(
         "select cmpid,psrno,model,rate from productmaster where prodname='" + m_fields.productName->text() + "'");
     if (product.eof())

@@ -33,6 +33,8 @@ public:
 
     // Product name field clicked: the panel shows.
     void showPanel();
+    // Down pressed in the product name field while the grid shows: the keyboard goes into it.
+    void productNameKeyPressed(int key);
     // Key released in the product name field: products whose name begins with the text.
     void searchByName(int key);
     // A cell of the grid chosen: a name (or stock) cell of a data row, else "Wrong Selection".

@@ -136,6 +136,7 @@ void SalesScreen::connectHandlers()
     on(m_mode, &QLineEdit::textChanged, &SalesScreen::modeChanged);
     on(new FieldEvents(m_mode), &FieldEvents::keyReleased, &SalesScreen::modeKeyReleased);
     auto *party = new FieldEvents(m_party);
+    on(party, &FieldEvents::keyPressed, &SalesScreen::partyKeyPressed);
     on(party, &FieldEvents::keyReleased, &SalesScreen::partyKeyReleased);
     on(party, &FieldEvents::clicked, &SalesScreen::partyClicked);
     on(party, &FieldEvents::focusLost, &SalesScreen::partyFocusLost);
@@ -150,6 +151,7 @@ void SalesScreen::connectHandlers()
 
     auto *productName = new FieldEvents(m_productName);
     on(productName, &FieldEvents::clicked, m_lookup, &ItemLookup::showPanel);
+    on(productName, &FieldEvents::keyPressed, m_lookup, &ItemLookup::productNameKeyPressed);
     on(productName, &FieldEvents::keyReleased, m_lookup, &ItemLookup::searchByName);
     on(m_products, &Grid::chosen, m_lookup, &ItemLookup::choose);
     on(new FieldEvents(m_itemCode), &FieldEvents::keyPressed, m_lookup, &ItemLookup::itemCodeKeyPressed);
@@ -198,6 +200,13 @@ void SalesScreen::modeKeyReleased()
     m_lines->clear();
 }
 
+// Down takes the keyboard into the party list while it shows.
+void SalesScreen::partyKeyPressed(int key)
+{
+    if (key == Qt::Key_Down && !m_parties->isHidden())
+        m_parties->setFocus(Qt::OtherFocusReason);
+}
+
 void SalesScreen::partyKeyReleased(int key)
 {
     if (m_party->text().isEmpty())
@@ -223,7 +232,7 @@ void SalesScreen::partyFocusLost()
 void SalesScreen::partyChosen()
 {
     m_party->setText(m_parties->text(m_parties->row(), m_parties->col()));
-    m_parties->hide();
+    hideAfterChoice(m_parties, m_productName);
     const Recordset open = db().query("select invoice from sales where party='" + m_party->text() + "' and trans='" + mode()
                                       + "' and status='u' group by invoice");
     if (open.eof())

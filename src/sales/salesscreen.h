@@ -30,6 +30,7 @@ private:
 
     void modeChanged();
     void modeKeyReleased();
+    void partyKeyPressed(int key);
     void partyKeyReleased(int key);
     void partyClicked();
     void partyFocusLost();

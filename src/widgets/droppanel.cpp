@@ -1,6 +1,6 @@
 #include "droppanel.h"
 
-#include <QPointer>
+#include <QApplication>
 #include <QTimer>
 #include <QWidget>
 
@@ -15,6 +15,13 @@ void showBelow(QWidget *panel, QWidget *field)
     panel->setGeometry(below.x(), below.y(), width, height);
     panel->raise();
     panel->show();
+}
+
+void hideAfterChoice(QWidget *panel, QWidget *nextField)
+{
+    if (panel->isAncestorOf(QApplication::focusWidget()) || panel == QApplication::focusWidget())
+        nextField->setFocus(Qt::OtherFocusReason);
+    panel->hide();
 }
 
 void focusAfterwards(QWidget *widget)

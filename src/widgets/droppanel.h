@@ -8,6 +8,11 @@ namespace vantrel {
 // widgets. Both must be children (at any depth) of the same screen; the panel is a direct child.
 void showBelow(QWidget *panel, QWidget *field);
 
+// Hides a search list or panel after a choice. When the focus was inside it, it goes on to
+// NEXTFIELD; left to itself it would fall back to the screen's first field, and the release of
+// the Enter that chose would land there.
+void hideAfterChoice(QWidget *panel, QWidget *nextField);
+
 // Gives the focus to a widget once the focus change now in progress (a Tab, a click) is over;
 // set at once from a focus-out handler, it would be taken away again by that change.
 void focusAfterwards(QWidget *widget);
