@@ -66,8 +66,10 @@ private slots:
     {
         BoundGrid g;
         QSignalSpy chosen(&g.grid, &Grid::chosen);
+        QSignalSpy clicked(&g.grid, &Grid::clicked);
         test::clickCell(&g.grid, 3, 2);
         QCOMPARE(chosen.size(), 1);
+        QCOMPARE(clicked.size(), 1);
         QCOMPARE(g.grid.row(), 3);
         QCOMPARE(g.grid.col(), 2);
         QCOMPARE(g.grid.text(g.grid.row(), g.grid.col()), QStringLiteral("AGRA"));
@@ -87,7 +89,7 @@ private slots:
         QCOMPARE(chosen.size(), 2);
     }
 
-    void enterChoosesAndOtherKeysAreReported()
+    void enterChoosesAndEveryKeyIsReported()
     {
         BoundGrid g;
         QSignalSpy chosen(&g.grid, &Grid::chosen);
@@ -95,12 +97,15 @@ private slots:
         g.grid.setFocus();
         QTest::keyClick(&g.grid, Qt::Key_Down);
         QCOMPARE(g.grid.row(), 2);
+        QSignalSpy clicked(&g.grid, &Grid::clicked);
         QTest::keyClick(&g.grid, Qt::Key_Return);
         QCOMPARE(chosen.size(), 1);
+        QCOMPARE(clicked.size(), 0);
         QTest::keyClick(&g.grid, Qt::Key_X);
-        QCOMPARE(keys.size(), 2);
+        QCOMPARE(keys.size(), 3);
         QCOMPARE(keys.at(0).at(0).toInt(), int(Qt::Key_Down));
-        QCOMPARE(keys.at(1).at(0).toInt(), int(Qt::Key_X));
+        QCOMPARE(keys.at(1).at(0).toInt(), int(Qt::Key_Return));
+        QCOMPARE(keys.at(2).at(0).toInt(), int(Qt::Key_X));
     }
 
     void clearLeavesOnlyTheHeadingRow()
