@@ -76,9 +76,13 @@ void MainWindow::showScreen(const QString &entryName, Screen *screen)
     m_open.insert(entryName, window);
     const QSize wanted = screen->size();
     window->show();
-    // A window as large as the screen asks to be, as far as the main window has room.
+    // A window as large as the screen asks to be, as far as the main window has room, each new
+    // one a step down and right of the last, and always wholly inside.
     const QSize frame = window->size() - screen->size();
-    window->resize((wanted + frame).boundedTo(m_mdiArea->size()));
+    const QSize area = m_mdiArea->viewport()->size();
+    window->resize((wanted + frame).boundedTo(area));
+    const int step = 24 * int(m_mdiArea->subWindowList().size() - 1);
+    window->move(qMax(0, qMin(step, area.width() - window->width())), qMax(0, qMin(step, area.height() - window->height())));
     m_mdiArea->setActiveSubWindow(window);
 }
 

@@ -1,5 +1,8 @@
 #include "menutable.h"
 
+#include "masters/companymasterscreen.h"
+#include "masters/partymasterscreen.h"
+#include "masters/productmasterscreen.h"
 #include "sales/salesscreen.h"
 
 namespace vantrel {
@@ -22,9 +25,9 @@ const QVector<Menu> &menuTable()
         {"trans", "Transaction",
          {{"sale", "Sales", make<SalesScreen>},
           {"pur", "Purchase", nullptr},
-          {"pm", "Product master", nullptr},
-          {"sm", "Party master", nullptr},
-          {"cmpmst", "Company Master", nullptr}}},
+          {"pm", "Product master", make<ProductMasterScreen>},
+          {"sm", "Party master", make<PartyMasterScreen>},
+          {"cmpmst", "Company Master", make<CompanyMasterScreen>}}},
         {"srpt", "Sales Report",
          {{"db", "Day Book", nullptr},
           {"dwsrpt", "DateWise Sales Report", nullptr},

@@ -4,6 +4,8 @@
 #include "grid.h"
 #include "uppercasefilter.h"
 
+#include <QFormLayout>
+#include <QLabel>
 #include <QLineEdit>
 #include <QMdiSubWindow>
 #include <QPushButton>
@@ -40,6 +42,15 @@ QLineEdit *Screen::makeField(const QString &accessibleName, const QString &objec
     auto *field = new QLineEdit(this);
     field->setAccessibleName(accessibleName);
     field->setObjectName(objectName);
+    return field;
+}
+
+QLineEdit *Screen::addField(QFormLayout *form, const QString &label, const QString &objectName)
+{
+    QLineEdit *field = makeField(label, objectName);
+    auto *caption = new QLabel(label, this);
+    caption->setBuddy(field);
+    form->addRow(caption, field);
     return field;
 }
 

@@ -5,6 +5,7 @@
 #include <QWidget>
 #include <functional>
 
+class QFormLayout;
 class QLineEdit;
 class QPushButton;
 
@@ -51,6 +52,8 @@ protected:
 
     // A text field named for screen readers by its on-screen label (or role, when it has none).
     QLineEdit *makeField(const QString &accessibleName, const QString &objectName = {});
+    // A labelled field as a row of a form: the label on the left, the field named by it.
+    QLineEdit *addField(QFormLayout *form, const QString &label, const QString &objectName = {});
     // A grid named by its role, inside PARENT (the screen itself when null); rows it fails to
     // read later go to the unhandled-error handler.
     Grid *makeGrid(const QString &accessibleName, QWidget *parent = nullptr);
