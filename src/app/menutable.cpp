@@ -3,6 +3,7 @@
 #include "masters/companymasterscreen.h"
 #include "masters/partymasterscreen.h"
 #include "masters/productmasterscreen.h"
+#include "purchase/purchasescreen.h"
 #include "sales/salesscreen.h"
 
 namespace vantrel {
@@ -24,7 +25,7 @@ const QVector<Menu> &menuTable()
         {"bill", "File", {{"rcpt", "Receipt", nullptr}, {"led", "Ledger", nullptr}}},
         {"trans", "Transaction",
          {{"sale", "Sales", make<SalesScreen>},
-          {"pur", "Purchase", nullptr},
+          {"pur", "Purchase", make<PurchaseScreen>},
           {"pm", "Product master", make<ProductMasterScreen>},
           {"sm", "Party master", make<PartyMasterScreen>},
           {"cmpmst", "Company Master", make<CompanyMasterScreen>}}},

@@ -1,0 +1,229 @@
+#include "invoicescreen.h"
+
+#include "data/database.h"
+#include "data/records.h"
+#include "invoice/itemlookup.h"
+#include "widgets/dialogs.h"
+#include "widgets/droppanel.h"
+#include "widgets/fieldevents.h"
+#include "widgets/grid.h"
+#include "widgets/lineprinter.h"
+
+#include <QFrame>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+namespace vantrel {
+
+namespace {
+
+// Adds label-field pairs to a row, left to right.
+void addPair(QHBoxLayout *row, const QString &label, QLineEdit *field, int chars)
+{
+    auto *caption = new QLabel(label);
+    caption->setBuddy(field);
+    row->addWidget(caption);
+    setWidthInCharacters(field, chars);
+    row->addWidget(field);
+    row->addSpacing(12);
+}
+
+QHBoxLayout *newRow(QVBoxLayout *layout)
+{
+    auto *row = new QHBoxLayout;
+    layout->addLayout(row);
+    return row;
+}
+
+} // namespace
+
+void setWidthInCharacters(QLineEdit *field, int chars)
+{
+    field->setFixedWidth(field->fontMetrics().horizontalAdvance(QLatin1Char('M')) * chars + 12);
+}
+
+InvoiceScreen::InvoiceScreen(Services &services, const Wording &wording, QWidget *parent) : Screen(services, wording.caption, parent)
+{
+    buildFields(wording);
+    buildButtonsAndLists(wording);
+    connectShared();
+    resize(1240, 660);
+}
+
+void InvoiceScreen::buildFields(const Wording &wording)
+{
+    auto *layout = new QVBoxLayout(this);
+    QHBoxLayout *row = newRow(layout);
+    m_mode = makeField(QStringLiteral("C/D"));
+    m_number = makeField(wording.numberLabel, QStringLiteral("txtpono"));
+    m_date = makeField(QStringLiteral("Date :"), QStringLiteral("txtdate"));
+    addPair(row, QStringLiteral("C/D"), m_mode, 2);
+    addPair(row, wording.numberLabel, m_number, 8);
+    addPair(row, QStringLiteral("Date :"), m_date, 10);
+    row->addStretch();
+
+    row = newRow(layout);
+    m_party = makeField(QStringLiteral("Party:"));
+    addPair(row, QStringLiteral("Party:"), m_party, 36);
+    row->addStretch();
+
+    row = newRow(layout);
+    m_productName = makeField(QStringLiteral("Product Name:"));
+    m_itemCode = makeField(wording.itemCodeLabel);
+    m_cmpid = makeField(QStringLiteral("cmpid"));
+    m_psrno = makeField(QStringLiteral("psrno"));
+    addPair(row, QStringLiteral("Product Name:"), m_productName, 36);
+    addPair(row, wording.itemCodeLabel, m_itemCode, 12);
+    addPair(row, QStringLiteral("cmpid"), m_cmpid, 8);
+    addPair(row, QStringLiteral("psrno"), m_psrno, 5);
+    row->addStretch();
+
+    row = newRow(layout);
+    m_qty = makeField(QStringLiteral("Qty"));
+    m_rate = makeField(QStringLiteral("Rate"));
+    m_amount = makeField(QStringLiteral("Amount"));
+    addPair(row, QStringLiteral("Qty"), m_qty, 6);
+    addPair(row, QStringLiteral("Rate"), m_rate, 9);
+    addPair(row, QStringLiteral("Amount"), m_amount, 11);
+    m_add = new QPushButton(QStringLiteral("&Add"), this);
+    m_add->setObjectName(QStringLiteral("cmdadd"));
+    row->addWidget(m_add);
+    row->addStretch();
+
+    m_lines = makeGrid(QStringLiteral("lines grid"));
+    layout->addWidget(m_lines, 1);
+
+    m_totalsRow = newRow(layout);
+    m_total = makeField(QStringLiteral("Total Amount"));
+    addPair(m_totalsRow, QStringLiteral("Total Amount"), m_total, 11);
+}
+
+void InvoiceScreen::buildButtonsAndLists(const Wording &wording)
+{
+    m_endInventory = new QPushButton(QStringLiteral("&End Inventory"), this);
+    m_cancel = new QPushButton(QStringLiteral("C&ancel"), this);
+    m_print = new QPushButton(QStringLiteral("&Print"), this);
+    QPushButton *close = makeCloseButton(QStringLiteral("&Close"), QStringLiteral("cmdclose"));
+    close->setToolTip(QStringLiteral("Close this form"));
+    auto *buttons = newRow(static_cast<QVBoxLayout *>(layout()));
+    buttons->addStretch();
+    for (QPushButton *button : {m_endInventory, m_cancel, m_print, close})
+        buttons->addWidget(button);
+
+    // The search lists drop over the screen under the field they serve.
+    m_parties = makeGrid(wording.partyGridName);
+    m_parties->hide();
+    m_productPanel = new QFrame(this);
+    m_productPanel->setFrameShape(QFrame::StyledPanel);
+    m_products = makeGrid(wording.productGridName, m_productPanel);
+    auto *panelLayout = new QVBoxLayout(m_productPanel);
+    panelLayout->setContentsMargins(0, 0, 0, 0);
+    panelLayout->addWidget(m_products);
+    m_productPanel->hide();
+    m_lookup = new ItemLookup(this, {m_productName, m_itemCode, m_cmpid, m_psrno, m_qty, m_rate, m_amount, m_productPanel, m_products});
+}
+
+void InvoiceScreen::connectShared()
+{
+    on(m_mode, &QLineEdit::textChanged, &InvoiceScreen::modeChanged);
+    auto *party = new FieldEvents(m_party);
+    on(party, &FieldEvents::keyPressed, &InvoiceScreen::partyKeyPressed);
+    on(party, &FieldEvents::keyReleased, &InvoiceScreen::partyKeyReleased);
+    on(party, &FieldEvents::clicked, &InvoiceScreen::partyClicked);
+    on(party, &FieldEvents::focusLost, &InvoiceScreen::partyFocusLost);
+
+    auto *productName = new FieldEvents(m_productName);
+    on(productName, &FieldEvents::clicked, m_lookup, &ItemLookup::showPanel);
+    on(productName, &FieldEvents::keyPressed, m_lookup, &ItemLookup::productNameKeyPressed);
+    on(productName, &FieldEvents::keyReleased, m_lookup, &ItemLookup::searchByName);
+    on(new FieldEvents(m_itemCode), &FieldEvents::keyPressed, m_lookup, &ItemLookup::itemCodeKeyPressed);
+    on(m_qty, &QLineEdit::textChanged, m_lookup, &ItemLookup::computeAmount);
+}
+
+QString InvoiceScreen::mode() const
+{
+    return m_mode->text();
+}
+
+void InvoiceScreen::modeChanged()
+{
+    static const QStringList modes = {"D", "C", "d", "c"};
+    if (!mode().isEmpty() && !modes.contains(mode()))
+        dialogs().inform(QStringLiteral("Enter C/D only"));
+}
+
+void InvoiceScreen::startDocument(const QString &numberingQuery, const QString &column)
+{
+    m_party->setFocus();
+    for (QLineEdit *field : {m_party, m_productName, m_qty, m_rate, m_amount, m_total})
+        field->clear();
+    m_add->setEnabled(true);
+    m_print->setEnabled(true);
+    m_number->setText(doubleText(nextNumber(db(), numberingQuery, column)));
+    m_writeLines = true;
+    m_writeHeader = true;
+    m_lines->clear();
+}
+
+// Down takes the keyboard into the party list while it shows.
+void InvoiceScreen::partyKeyPressed(int key)
+{
+    if (key == Qt::Key_Down && !m_parties->isHidden())
+        m_parties->setFocus(Qt::OtherFocusReason);
+}
+
+void InvoiceScreen::partyKeyReleased(int key)
+{
+    if (m_party->text().isEmpty())
+        return;
+    m_parties->bind(db(), "select suppname from suppliermaster where suppname like '" + m_party->text() + "%'");
+    showBelow(m_parties, m_party);
+    if (key == Qt::Key_Escape)
+        m_parties->hide();
+}
+
+void InvoiceScreen::partyClicked()
+{
+    showBelow(m_parties, m_party);
+}
+
+void InvoiceScreen::partyFocusLost()
+{
+    if (!m_parties->isHidden())
+        focusAfterwards(m_parties);
+}
+
+void InvoiceScreen::clearItemFields()
+{
+    for (QLineEdit *field : {m_productName, m_qty, m_rate, m_itemCode, m_amount})
+        field->clear();
+    for (QPushButton *button : {m_cancel, m_endInventory, m_print})
+        button->setEnabled(true);
+    m_productName->setFocus();
+}
+
+void InvoiceScreen::printDocument(const QString &numberLine, int ruleWidth)
+{
+    const QString rule(ruleWidth, QLatin1Char('='));
+    const QString dashes(ruleWidth, QLatin1Char('-'));
+    QStringList lines = {
+        spaces(10) + "COMPANY NAME",
+        spaces(10) + "ADDRESS",
+        rule,
+        numberLine,
+        "Party:" + spaces(3) + m_party->text(),
+        rule,
+        m_lines->text(0, 0) + spaces(6) + m_lines->text(0, 1) + spaces(3) + m_lines->text(0, 2) + spaces(1) + m_lines->text(0, 3),
+        dashes,
+    };
+    for (int row = 1, rows = m_lines->rows(); row < rows; ++row)
+        lines << padRight(m_lines->text(row, 0), 15) + spaces(1) + padRight(m_lines->text(row, 1), 3) + spaces(1)
+                     + padRight(m_lines->text(row, 2), 4) + spaces(2) + padRight(m_lines->text(row, 3), 7);
+    lines << dashes << spaces(8) + "Total Amount" + spaces(6) + m_total->text() << rule;
+    LinePrinter(services().programDirectory).print(lines);
+}
+
+} // namespace vantrel

@@ -1,0 +1,87 @@
+#pragma once
+
+#include "widgets/screen.h"
+
+class QFrame;
+class QHBoxLayout;
+class QLineEdit;
+class QPushButton;
+
+namespace vantrel {
+
+class Grid;
+class ItemLookup;
+
+// What the Sales and Purchase screens share word for word: the fields in the order of the flow,
+// the lines grid, the party list and the product panel dropping under their fields, the five
+// buttons, the product lookups, the mode check, the party search, the start of a new document
+// and the printed layout. Each screen keeps its own handlers where the two differ.
+class InvoiceScreen : public Screen {
+    Q_OBJECT
+public:
+    // The texts in which the two screens differ.
+    struct Wording {
+        QString caption;         // "Sales"
+        QString numberLabel;     // "Invoice No :"
+        QString itemCodeLabel;   // "item code"
+        QString productGridName; // "product/stock grid"
+        QString partyGridName;   // "party list"
+    };
+
+    InvoiceScreen(Services &services, const Wording &wording, QWidget *parent = nullptr);
+
+protected:
+    QString mode() const;
+
+    void modeChanged();
+    // A key released in the mode field starts the document afresh: the next number of the
+    // mode's own series from NUMBERINGQUERY, whose maximum is read as COLUMN.
+    void startDocument(const QString &numberingQuery, const QString &column);
+    void partyKeyPressed(int key);
+    void partyKeyReleased(int key);
+    void partyClicked();
+    void partyFocusLost();
+    // Empties the item fields for the next line and brings the keyboard back to the product.
+    void clearItemFields();
+    // The document as the screen shows it: the fields and the first four columns of the lines
+    // grid, under rules of RULEWIDTH characters; NUMBERLINE carries number and date.
+    void printDocument(const QString &numberLine, int ruleWidth);
+
+    QLineEdit *m_mode;
+    QLineEdit *m_number;
+    QLineEdit *m_date;
+    QLineEdit *m_party;
+    QLineEdit *m_productName;
+    QLineEdit *m_itemCode;
+    QLineEdit *m_cmpid;
+    QLineEdit *m_psrno;
+    QLineEdit *m_qty;
+    QLineEdit *m_rate;
+    QLineEdit *m_amount;
+    QLineEdit *m_total;
+    QHBoxLayout *m_totalsRow;
+    Grid *m_lines;
+    QFrame *m_productPanel;
+    Grid *m_products;
+    Grid *m_parties;
+    QPushButton *m_add;
+    QPushButton *m_endInventory;
+    QPushButton *m_cancel;
+    QPushButton *m_print;
+    ItemLookup *m_lookup;
+
+    // Set by the first key released in the mode field and never cleared. Until then "&Add"
+    // writes neither the line nor the header, yet still books the stock.
+    bool m_writeLines = false;
+    bool m_writeHeader = false;
+
+private:
+    void buildFields(const Wording &wording);
+    void buildButtonsAndLists(const Wording &wording);
+    void connectShared();
+};
+
+// Gives a field a width for about CHARS characters.
+void setWidthInCharacters(QLineEdit *field, int chars);
+
+} // namespace vantrel
