@@ -1,5 +1,7 @@
 #include "menutable.h"
 
+#include "accounts/ledgerscreen.h"
+#include "accounts/receiptscreen.h"
 #include "masters/companymasterscreen.h"
 #include "masters/partymasterscreen.h"
 #include "masters/productmasterscreen.h"
@@ -22,7 +24,7 @@ Screen *make(Services &services)
 const QVector<Menu> &menuTable()
 {
     static const QVector<Menu> menus = {
-        {"bill", "File", {{"rcpt", "Receipt", nullptr}, {"led", "Ledger", nullptr}}},
+        {"bill", "File", {{"rcpt", "Receipt", make<ReceiptScreen>}, {"led", "Ledger", make<LedgerScreen>}}},
         {"trans", "Transaction",
          {{"sale", "Sales", make<SalesScreen>},
           {"pur", "Purchase", make<PurchaseScreen>},

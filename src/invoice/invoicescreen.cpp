@@ -168,11 +168,9 @@ void InvoiceScreen::startDocument(const QString &numberingQuery, const QString &
     m_lines->clear();
 }
 
-// Down takes the keyboard into the party list while it shows.
 void InvoiceScreen::partyKeyPressed(int key)
 {
-    if (key == Qt::Key_Down && !m_parties->isHidden())
-        m_parties->setFocus(Qt::OtherFocusReason);
+    enterListOnDown(key, m_parties);
 }
 
 void InvoiceScreen::partyKeyReleased(int key)

@@ -22,8 +22,8 @@ void ItemLookup::showPanel()
 
 void ItemLookup::productNameKeyPressed(int key)
 {
-    if (key == Qt::Key_Down && !m_fields.panel->isHidden())
-        m_fields.grid->setFocus(Qt::OtherFocusReason);
+    if (!m_fields.panel->isHidden())
+        enterListOnDown(key, m_fields.grid);
 }
 
 void ItemLookup::searchByName(int key)

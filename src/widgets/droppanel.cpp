@@ -24,6 +24,12 @@ void hideAfterChoice(QWidget *panel, QWidget *nextField)
     panel->hide();
 }
 
+void enterListOnDown(int key, QWidget *list)
+{
+    if (key == Qt::Key_Down && !list->isHidden() && list->isEnabled())
+        list->setFocus(Qt::OtherFocusReason);
+}
+
 void focusAfterwards(QWidget *widget)
 {
     QTimer::singleShot(0, widget, [widget] { widget->setFocus(Qt::OtherFocusReason); });

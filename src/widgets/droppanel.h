@@ -13,6 +13,9 @@ void showBelow(QWidget *panel, QWidget *field);
 // the Enter that chose would land there.
 void hideAfterChoice(QWidget *panel, QWidget *nextField);
 
+// Down pressed in a search field takes the keyboard into its list, while the list shows.
+void enterListOnDown(int key, QWidget *list);
+
 // Gives the focus to a widget once the focus change now in progress (a Tab, a click) is over;
 // set at once from a focus-out handler, it would be taken away again by that change.
 void focusAfterwards(QWidget *widget);
