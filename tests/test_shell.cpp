@@ -120,14 +120,21 @@ private slots:
         QCOMPARE(p.window().screen("sale"), sales);
     }
 
-    void entriesWithoutTheirScreenOpenNothing()
+    void everyEntryOpensItsOwnScreen()
     {
         RunningProgram p;
-        for (const char *name : {"db", "dwsrpt", "prsale", "pdb", "dtprpt", "prpur", "stksum"}) {
+        const QList<QPair<const char *, QString>> screens = {
+            {"rcpt", "Receipt"}, {"led", "Ledger"}, {"sale", "Sales"}, {"pur", "Purchase"}, {"pm", "Product Master"},
+            {"sm", "Suppliermaster"}, {"cmpmst", "Company Master"}, {"db", "Sales-Day Book"}, {"dwsrpt", "Sales Datewise Report"},
+            {"prsale", "Partywise Sales Report"}, {"pdb", "Purchase Day Book"}, {"dtprpt", "Purchase Datewise Report"},
+            {"prpur", "Partywise Purchase Report"}, {"stksum", "Stock"}};
+        for (const auto &[name, caption] : screens) {
             p.window().findChild<QAction *>(name)->trigger();
-            QVERIFY2(!p.window().screen(name), name);
+            QVERIFY2(p.window().screen(name), name);
+            QCOMPARE(p.window().mdiArea()->activeSubWindow()->windowTitle(), caption);
         }
-        QCOMPARE(p.screens().size(), 1);
+        QCOMPARE(p.screens().size(), screens.size());
+        QVERIFY(p.shop.unhandledErrors.isEmpty());
     }
 
     void closingAScreenUnloadsIt()

@@ -19,6 +19,7 @@ MainWindow::MainWindow(Services &services, QWidget *parent)
     setCentralWidget(m_mdiArea);
     connect(m_mdiArea, &QMdiArea::subWindowActivated, this, &MainWindow::subWindowActivated);
     buildMenus();
+    m_services.openScreen = [this](const QString &entryName) { return screen(entryName); };
     resize(1280, 720);
 }
 
@@ -27,6 +28,7 @@ MainWindow::MainWindow(Services &services, QWidget *parent)
 MainWindow::~MainWindow()
 {
     disconnect(m_mdiArea, nullptr, this, nullptr);
+    m_services.openScreen = nullptr;
 }
 
 void MainWindow::buildMenus()

@@ -6,6 +6,10 @@
 #include "masters/partymasterscreen.h"
 #include "masters/productmasterscreen.h"
 #include "purchase/purchasescreen.h"
+#include "reports/daybookscreen.h"
+#include "reports/partyregisterscreen.h"
+#include "reports/registerscreen.h"
+#include "reports/stockscreen.h"
 #include "sales/salesscreen.h"
 
 namespace vantrel {
@@ -16,6 +20,13 @@ template <typename S>
 Screen *make(Services &services)
 {
     return new S(services);
+}
+
+// A screen of one design, made with the kind that KIND points to.
+template <typename S, const auto *kind>
+Screen *makeKind(Services &services)
+{
+    return new S(services, *kind);
 }
 
 } // namespace
@@ -32,14 +43,14 @@ const QVector<Menu> &menuTable()
           {"sm", "Party master", make<PartyMasterScreen>},
           {"cmpmst", "Company Master", make<CompanyMasterScreen>}}},
         {"srpt", "Sales Report",
-         {{"db", "Day Book", nullptr},
-          {"dwsrpt", "DateWise Sales Report", nullptr},
-          {"prsale", "Partywise sales Report", nullptr}}},
+         {{"db", "Day Book", makeKind<DayBookScreen, &DayBookScreen::Sales>},
+          {"dwsrpt", "DateWise Sales Report", makeKind<RegisterScreen, &RegisterScreen::Sales>},
+          {"prsale", "Partywise sales Report", makeKind<PartyRegisterScreen, &PartyRegisterScreen::Sales>}}},
         {"prpt", "Purchase Report",
-         {{"pdb", "Day Book", nullptr},
-          {"dtprpt", "DateWise Purchase Report", nullptr},
-          {"prpur", "Partywise Purchase Report", nullptr}}},
-        {"stk", "Stock", {{"stksum", "Stock Summary", nullptr}}},
+         {{"pdb", "Day Book", makeKind<DayBookScreen, &DayBookScreen::Purchase>},
+          {"dtprpt", "DateWise Purchase Report", makeKind<RegisterScreen, &RegisterScreen::Purchase>},
+          {"prpur", "Partywise Purchase Report", makeKind<PartyRegisterScreen, &PartyRegisterScreen::Purchase>}}},
+        {"stk", "Stock", {{"stksum", "Stock Summary", make<StockScreen>}}},
     };
     return menus;
 }

@@ -143,6 +143,12 @@ void InvoiceScreen::connectShared()
     on(m_qty, &QLineEdit::textChanged, m_lookup, &ItemLookup::computeAmount);
 }
 
+void InvoiceScreen::takeDocument(const QString &number, const QString &mode)
+{
+    m_number->setText(number);
+    m_mode->setText(mode);
+}
+
 QString InvoiceScreen::mode() const
 {
     return m_mode->text();

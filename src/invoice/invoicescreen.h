@@ -30,6 +30,10 @@ public:
 
     InvoiceScreen(Services &services, const Wording &wording, QWidget *parent = nullptr);
 
+    // A register hands a document over: the number and the mode fields take the texts, and
+    // the mode field reacts as to typing. Nothing is loaded.
+    void takeDocument(const QString &number, const QString &mode);
+
 protected:
     QString mode() const;
 

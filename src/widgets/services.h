@@ -8,6 +8,7 @@ namespace vantrel {
 class Clock;
 class Database;
 class Dialogs;
+class Screen;
 
 // What every screen is given: the shop's database, the message boxes, today's date, the
 // program's own directory (where the printer file lies) and the handler of unhandled errors.
@@ -20,6 +21,9 @@ struct Services {
     // Shows the message of an error that ended an action. In the program it does not return: the
     // program ends. In tests it records the message and the action is over.
     std::function<void(const QString &)> unhandledError;
+    // The open screen of a menu entry ("sale"), or null; set by the main window while it lives.
+    // The one direct hand-off between screens (a register's click) goes through it.
+    std::function<Screen *(const QString &entryName)> openScreen;
 };
 
 } // namespace vantrel
