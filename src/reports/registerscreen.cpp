@@ -49,7 +49,8 @@ RegisterScreen::RegisterScreen(Services &services, const Kind &kind, const QStri
     m_form->addRow(fromLabel, m_from);
     m_form->addRow(toLabel, m_to);
     m_show = new QPushButton(QStringLiteral("&Show"), this);
-    m_form->addRow(m_show);
+    m_form->addRow(QString(), m_show);
+    m_show->setMaximumWidth(m_show->sizeHint().width() + 24);
 
     m_register = makeGrid(QStringLiteral("register grid"));
     m_register->setFixedFirstColumn(true);

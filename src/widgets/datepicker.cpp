@@ -12,6 +12,7 @@ QDateEdit *makeDatePicker(QWidget *parent, const QString &accessibleName, const 
     picker->setCalendarPopup(true);
     picker->setDisplayFormat(ShortDate().pattern());
     picker->setAccessibleName(accessibleName);
+    picker->setMaximumWidth(picker->fontMetrics().horizontalAdvance(QStringLiteral("00/00/00000")) + 48);
     return picker;
 }
 
