@@ -54,8 +54,7 @@ void LedgerScreen::accountKeyReleased(int key)
 {
     if (m_account->text().isEmpty())
         return;
-    m_accounts->bind(db(), "select suppname from suppliermaster where suppname like '" + m_account->text() + "%'");
-    showBelow(m_accounts, m_account);
+    searchParties(m_account, m_accounts);
     if (key == Qt::Key_Escape)
         m_accounts->hide();
 }

@@ -77,12 +77,6 @@ void ReceiptScreen::proposeNumber(const QString &maxQuery, const QString &column
     m_number->setText(doubleText(nextNumber(db(), maxQuery, column)));
 }
 
-void ReceiptScreen::searchParties(QLineEdit *field, Grid *grid)
-{
-    grid->bind(db(), "select suppname from suppliermaster where suppname like '" + field->text() + "%'");
-    showBelow(grid, field);
-}
-
 // The "Account" list closes only by a choice in it.
 void ReceiptScreen::accountKeyReleased()
 {

@@ -31,7 +31,6 @@ private:
     // is then 0).
     bool showReceipts(const QString &query);
     bool showLedgerReceipts();
-    void searchParties(QLineEdit *field, Grid *grid);
 
     QLineEdit *m_number;
     QLabel *m_date;

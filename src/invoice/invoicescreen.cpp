@@ -183,8 +183,7 @@ void InvoiceScreen::partyKeyReleased(int key)
 {
     if (m_party->text().isEmpty())
         return;
-    m_parties->bind(db(), "select suppname from suppliermaster where suppname like '" + m_party->text() + "%'");
-    showBelow(m_parties, m_party);
+    searchParties(m_party, m_parties);
     if (key == Qt::Key_Escape)
         m_parties->hide();
 }

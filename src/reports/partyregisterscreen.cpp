@@ -74,8 +74,7 @@ void PartyRegisterScreen::partyKeyReleased(int key)
 {
     if (m_party->text().isEmpty())
         return;
-    m_parties->bind(db(), "select suppname from suppliermaster where suppname like '" + m_party->text() + "%'");
-    showBelow(m_parties, m_party);
+    searchParties(m_party, m_parties);
     if (key == Qt::Key_Escape && m_partyKind.escapeHidesRegister)
         m_register->hide();
 }

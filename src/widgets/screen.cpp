@@ -1,6 +1,7 @@
 #include "screen.h"
 
 #include "data/unhandlederror.h"
+#include "droppanel.h"
 #include "grid.h"
 #include "uppercasefilter.h"
 
@@ -43,6 +44,12 @@ QLineEdit *Screen::makeField(const QString &accessibleName, const QString &objec
     field->setAccessibleName(accessibleName);
     field->setObjectName(objectName);
     return field;
+}
+
+void Screen::searchParties(QLineEdit *field, Grid *list)
+{
+    list->bind(db(), "select suppname from suppliermaster where suppname like '" + field->text() + "%'");
+    showBelow(list, field);
 }
 
 QLineEdit *Screen::addField(QFormLayout *form, const QString &label, const QString &objectName)

@@ -52,6 +52,9 @@ protected:
 
     // A text field named for screen readers by its on-screen label (or role, when it has none).
     QLineEdit *makeField(const QString &accessibleName, const QString &objectName = {});
+    // The party search of every screen that has one: the parties whose name begins with the
+    // field's text fill LIST, which shows under the field. Throws UnhandledError.
+    void searchParties(QLineEdit *field, Grid *list);
     // A labelled field as a row of a form: the label on the left, the field named by it.
     QLineEdit *addField(QFormLayout *form, const QString &label, const QString &objectName = {});
     // A grid named by its role, inside PARENT (the screen itself when null); rows it fails to
