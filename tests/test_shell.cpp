@@ -110,6 +110,15 @@ private slots:
                            "stk=Stock", "  stksum=Stock Summary"}));
     }
 
+    void f10OpensTheMenuForTheKeyboard()
+    {
+        RunningProgram p;
+        QApplication::setActiveWindow(&p.window());
+        QTest::keyClick(&p.window(), Qt::Key_F10);
+        QVERIFY(p.window().menuBar()->activeAction());
+        QCOMPARE(p.window().menuBar()->activeAction()->text(), QStringLiteral("File"));
+    }
+
     void aSecondChoiceBringsTheSameScreenBack()
     {
         RunningProgram p;

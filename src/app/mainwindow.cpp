@@ -7,6 +7,7 @@
 #include <QMdiArea>
 #include <QMdiSubWindow>
 #include <QMenuBar>
+#include <QShortcut>
 
 namespace vantrel {
 
@@ -43,6 +44,10 @@ void MainWindow::buildMenus()
             connect(action, &QAction::triggered, this, [this, name] { openScreen(name); });
         }
     }
+    // F10 opens the first menu, so that every screen is reachable from the keyboard; the
+    // captions keep no accelerator letters of their own.
+    auto *menuKey = new QShortcut(QKeySequence(Qt::Key_F10), this);
+    connect(menuKey, &QShortcut::activated, this, [this] { menuBar()->setActiveAction(menuBar()->actions().constFirst()); });
 }
 
 Screen *MainWindow::screen(const QString &entryName) const
