@@ -70,6 +70,8 @@ create index purchase_party on purchase(party, trans, status);
 create index stock_name on stock(prodname);
 create index stock_product on stock(cmpid, psrno);
 create index ledger_type on ledger(type, refno);
+create index ledger_credit on ledger(type, credit);
+create index ledger_debit on ledger(type, debit);
 create index ledger_account on ledger(ac, dat);
 create index ledger_accnm on ledger(accnm);
 
@@ -95,6 +97,8 @@ insert into sqlite_stat1(tbl, idx, stat) values
     ('stock', 'stock_name', '100000 1'),
     ('stock', 'stock_product', '100000 200 1'),
     ('ledger', 'ledger_type', '600000 300000 1'),
+    ('ledger', 'ledger_credit', '600000 300000 10'),
+    ('ledger', 'ledger_debit', '600000 300000 10'),
     ('ledger', 'ledger_account', '600000 300 5'),
     ('ledger', 'ledger_accnm', '600000 300');
 
