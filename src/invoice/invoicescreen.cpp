@@ -2,7 +2,9 @@
 
 #include "data/database.h"
 #include "data/records.h"
+#include "data/shortdate.h"
 #include "invoice/itemlookup.h"
+#include "widgets/clock.h"
 #include "widgets/dialogs.h"
 #include "widgets/droppanel.h"
 #include "widgets/fieldevents.h"
@@ -152,6 +154,14 @@ void InvoiceScreen::takeDocument(const QString &number, const QString &mode)
 QString InvoiceScreen::mode() const
 {
     return m_mode->text();
+}
+
+void InvoiceScreen::prepareForDocument()
+{
+    m_mode->setFocus();
+    m_date->setText(ShortDate().text(services().clock.today()));
+    for (QPushButton *button : {m_endInventory, m_print, m_cancel, m_add})
+        button->setEnabled(false);
 }
 
 void InvoiceScreen::modeChanged()

@@ -37,6 +37,10 @@ public:
 protected:
     QString mode() const;
 
+    // What both screens do on activation: the keyboard to the mode field, today's date, and
+    // every action but "&Close" disabled until a document is started or opened.
+    void prepareForDocument();
+
     void modeChanged();
     // A key released in the mode field starts the document afresh: the next number of the
     // mode's own series from NUMBERINGQUERY, whose maximum is read as COLUMN.

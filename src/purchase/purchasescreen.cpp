@@ -2,9 +2,7 @@
 
 #include "data/database.h"
 #include "data/records.h"
-#include "data/shortdate.h"
 #include "invoice/itemlookup.h"
-#include "widgets/clock.h"
 #include "widgets/dialogs.h"
 #include "widgets/droppanel.h"
 #include "widgets/fieldevents.h"
@@ -46,10 +44,7 @@ PurchaseScreen::PurchaseScreen(Services &services, QWidget *parent)
 
 void PurchaseScreen::activated()
 {
-    m_mode->setFocus();
-    m_date->setText(ShortDate().text(services().clock.today()));
-    for (QPushButton *button : {m_endInventory, m_print, m_cancel, m_add})
-        button->setEnabled(false);
+    prepareForDocument();
     for (Grid *grid : {m_lines, m_products, m_parties})
         grid->setColumnWidthTwips(0, 3000);
 }

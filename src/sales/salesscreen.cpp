@@ -2,9 +2,7 @@
 
 #include "data/database.h"
 #include "data/records.h"
-#include "data/shortdate.h"
 #include "invoice/itemlookup.h"
-#include "widgets/clock.h"
 #include "widgets/dialogs.h"
 #include "widgets/droppanel.h"
 #include "widgets/fieldevents.h"
@@ -12,6 +10,7 @@
 #include "widgets/lineprinter.h"
 
 #include <QHBoxLayout>
+#include <cmath>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
@@ -63,10 +62,7 @@ QString SalesScreen::invoiceNumber() const
 
 void SalesScreen::activated()
 {
-    m_mode->setFocus();
-    m_date->setText(ShortDate().text(services().clock.today()));
-    for (QPushButton *button : {m_endInventory, m_print, m_cancel, m_add})
-        button->setEnabled(false);
+    prepareForDocument();
     m_products->setColumnWidthTwips(3, 3000);
     m_parties->setColumnWidthTwips(3, 3000);
 }
