@@ -9,18 +9,11 @@
 #include <QSqlDriver>
 #include <QSqlError>
 #include <QSqlRecord>
-#include <QUrl>
 #include <sqlite3.h>
 
 namespace vantrel {
 
 namespace {
-
-QString engineMessage(const QSqlError &error)
-{
-    const QString text = error.databaseText();
-    return text.isEmpty() ? error.text() : text;
-}
 
 QString uniqueConnectionName()
 {
@@ -150,6 +143,12 @@ void Database::finishPendingReads()
 void Database::fail(const QSqlQuery &query) const
 {
     throw UnhandledError(engineMessage(query.lastError()));
+}
+
+QString Database::engineMessage(const QSqlError &error)
+{
+    const QString text = error.databaseText();
+    return text.isEmpty() ? error.text() : text;
 }
 
 QString Database::engineText(const QString &sql)

@@ -3,6 +3,7 @@
 #include "recordset.h"
 
 #include <QSqlDatabase>
+#include <QSqlError>
 #include <QSqlQuery>
 #include <QString>
 #include <QVector>
@@ -49,6 +50,9 @@ public:
     // "b y left join a x on", which the engine plans far better (the system's joins name their
     // columns, so the rows and columns are the same).
     static QString engineText(const QString &sql);
+
+    // The database's own message of a failed statement, as the unhandled-error box shows it.
+    static QString engineMessage(const QSqlError &error);
 
 private:
     QString openConnection(); // empty when open, else the reason

@@ -37,7 +37,7 @@ bool GridModel::bind(Database &db, const QString &sql, BindMode mode)
     QSqlQuery query = db.startQuery(sql); // throws before anything changes
     const bool hasRow = query.next();
     if (!hasRow && query.lastError().isValid())
-        throw UnhandledError(query.lastError().databaseText());
+        throw UnhandledError(Database::engineMessage(query.lastError()));
     if (!hasRow && mode == OnlyWithRows) {
         query.finish();
         return false;
@@ -151,7 +151,7 @@ void GridModel::fetch(int count, bool announce)
     else
         m_idleFetch.start();
     if (error.isValid())
-        throw UnhandledError(error.databaseText().isEmpty() ? error.text() : error.databaseText());
+        throw UnhandledError(Database::engineMessage(error));
 }
 
 void GridModel::fetchWhileIdle()

@@ -17,7 +17,6 @@ QString spaces(int count);
 class LinePrinter {
 public:
     explicit LinePrinter(const QString &programDirectory);
-    QString devicePath() const { return m_devicePath; }
 
     // Throws UnhandledError with the file error when the device cannot be opened (nothing is
     // written then) or a line cannot be written.
