@@ -10,7 +10,13 @@
 #include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
+#include <QProcess>
 #include <qplatformdefs.h>
+#include <fcntl.h>
+#include <linux/fs.h>
+#include <sys/ioctl.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 using namespace vantrel;
 
@@ -27,6 +33,45 @@ QString errorOf(F action)
     }
     return QStringLiteral("(no error)");
 }
+
+const QString Mismatch = QStringLiteral("Data type mismatch in criteria expression.");
+
+// Makes a file read-only for as long as it lives, even for the superuser (who writes any file
+// whatever its mode): the immutable attribute for root, the mode for everyone else.
+class ReadOnly {
+public:
+    explicit ReadOnly(const QString &path) : m_path(QFile::encodeName(path))
+    {
+        if (::geteuid() == 0)
+            m_ok = setImmutable(true);
+        else
+            m_ok = ::chmod(m_path.constData(), 0444) == 0;
+    }
+    ~ReadOnly()
+    {
+        if (m_ok && ::geteuid() == 0)
+            setImmutable(false);
+        else if (m_ok)
+            ::chmod(m_path.constData(), 0600);
+    }
+    bool ok() const { return m_ok; }
+
+private:
+    bool setImmutable(bool on)
+    {
+        const int fd = ::open(m_path.constData(), O_RDONLY | O_CLOEXEC);
+        if (fd < 0)
+            return false;
+        int flags = 0;
+        bool done = ::ioctl(fd, FS_IOC_GETFLAGS, &flags) == 0;
+        flags = on ? flags | FS_IMMUTABLE_FL : flags & ~FS_IMMUTABLE_FL;
+        done = done && ::ioctl(fd, FS_IOC_SETFLAGS, &flags) == 0;
+        ::close(fd);
+        return done;
+    }
+    QByteArray m_path;
+    bool m_ok = false;
+};
 
 } // namespace
 
@@ -203,6 +248,80 @@ private slots:
         QCOMPARE(rs.number("amount"), 37.5);
         QCOMPARE(shop.rows("select qty,rate,amount from sales where invoice='13'"), (QList<QStringList>{{"", "abc", "1000"}}));
         QCOMPARE(shop.rows("select sum(amount) as t from sales"), (QList<QStringList>{{"1037.5"}}));
+    }
+
+    void numberingColumnsHoldNumbersOnly_data()
+    {
+        QTest::addColumn<QString>("table");
+        QTest::addColumn<QString>("column");
+        QTest::newRow("invoice") << "salesmain" << "invoice";
+        QTest::newRow("pono") << "purchasemain" << "pono";
+        QTest::newRow("refno") << "ledger" << "refno";
+        QTest::newRow("ID") << "suppliermaster" << "ID";
+        QTest::newRow("psrno") << "productmaster" << "psrno";
+    }
+
+    void numberingColumnsHoldNumbersOnly()
+    {
+        QFETCH(QString, table);
+        QFETCH(QString, column);
+        test::TestShop shop;
+        const QString insert = "insert into " + table + "(" + column + ") values('%1')";
+        shop.exec(insert.arg("7"));
+        shop.exec(insert.arg(" 8 "));
+        for (const char *text : {"", "X", "9A", "1 OR 1"})
+            QCOMPARE(errorOf([&] { shop.db().execute(insert.arg(text)); }), Mismatch);
+        QCOMPARE(errorOf([&] { shop.db().execute("update " + table + " set " + column + "='Y'"); }), Mismatch);
+        QCOMPARE(shop.rows("select max(" + column + ") as n, count(*) from " + table), (QList<QStringList>{{"8", "2"}}));
+        // The stock shell of the engine keeps the same rule on the same file.
+        QProcess shell;
+        shell.start("sqlite3", {shop.db().fileName(), insert.arg("") + ";"});
+        QVERIFY2(shell.waitForFinished(10000), "the sqlite3 shell did not run");
+        QVERIFY2(QString::fromUtf8(shell.readAllStandardError()).contains(Mismatch), "the shell stored a text");
+    }
+
+    void figuresNeverStoreInfinityAndReferencesStayInSixteenBits()
+    {
+        test::TestShop shop;
+        QCOMPARE(errorOf([&] { shop.db().execute("insert into sales(qty) values('1e999')"); }), QStringLiteral("Overflow"));
+        QCOMPARE(errorOf([&] { shop.db().execute("insert into stock(prodname,stk) values('P','-1e309')"); }), QStringLiteral("Overflow"));
+        shop.exec("insert into stock(prodname,stk) values('P','5')");
+        QCOMPARE(errorOf([&] { shop.db().execute("update stock set stk='1e400' where prodname='P'"); }), QStringLiteral("Overflow"));
+        QCOMPARE(errorOf([&] { shop.db().execute("insert into ledger(refno,type) values('32768','receipt')"); }), QStringLiteral("Overflow"));
+        shop.exec("insert into ledger(refno,type) values('32767','receipt')");
+        // Other Number columns keep a text as typed.
+        shop.exec("insert into sales(qty,rate) values('abc','')");
+        QCOMPARE(shop.rows("select stk from stock union all select qty from sales"), (QList<QStringList>{{"5"}, {"abc"}}));
+    }
+
+    void aFileThatCannotBeWrittenFailsTheOpen_data()
+    {
+        QTest::addColumn<QString>("lockedFile");
+        QTest::newRow("the file") << "vantrel.accdb";
+        QTest::newRow("its write-ahead index") << "vantrel.accdb-shm";
+    }
+
+    void aFileThatCannotBeWrittenFailsTheOpen()
+    {
+        QFETCH(QString, lockedFile);
+        QTemporaryDir dir;
+        const QString file = dir.path() + "/vantrel.accdb";
+        createDatabaseFile(file);
+        {
+            // A program that ended without closing leaves its write-ahead log and index behind.
+            Database db(buildConnectionString(dir.path()));
+            db.execute(QStringLiteral("insert into companymaster(cmpid) values('C1')"));
+            for (const char *suffix : {"-shm", "-wal"})
+                QVERIFY(QFile::copy(file + suffix, file + suffix + ".left"));
+        }
+        for (const char *suffix : {"-shm", "-wal"})
+            QVERIFY(QFile::rename(file + suffix + ".left", file + suffix));
+        ReadOnly locked(dir.path() + "/" + lockedFile);
+        if (!locked.ok())
+            QSKIP("this machine cannot make a file read-only for its owner");
+        const QString message = errorOf([&] { Database db(buildConnectionString(dir.path())); });
+        QVERIFY2(message.startsWith(QStringLiteral("Cannot open the database file ")), qPrintable(message));
+        QVERIFY2(message.contains(QStringLiteral("read-only")) || message.contains(QStringLiteral("cannot be written")), qPrintable(message));
     }
 
     void aWriteIsVisibleToASecondCopyOfTheProgram()

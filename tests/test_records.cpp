@@ -5,6 +5,10 @@
 #include "support/testmain.h"
 #include "support/testshop.h"
 
+#include <cmath>
+#include <functional>
+#include <limits>
+
 using namespace vantrel;
 
 class RecordsTest : public QObject {
@@ -95,6 +99,30 @@ private slots:
                 QCOMPARE(error.message(), QStringLiteral("Overflow"));
             }
         }
+    }
+
+    void aFigureBeyondItsRangeIsAnOverflow()
+    {
+        const QList<std::function<void()>> beyond = {
+            [] { val(QStringLiteral("1e400")); },
+            [] { val(QStringLiteral("-2e308abc")); },
+            [] { toSingle(1e39); },
+            [] { toSingle(-3.5e38); },
+            [] { doubleText(std::numeric_limits<double>::infinity()); },
+            [] { singleText(-std::numeric_limits<float>::infinity()); },
+            [] { checkFinite(std::nan("")); },
+        };
+        for (int i = 0; i < beyond.size(); ++i) {
+            try {
+                beyond[i]();
+                QFAIL(qPrintable(QStringLiteral("no overflow in case %1").arg(i)));
+            } catch (const UnhandledError &error) {
+                QCOMPARE(error.message(), QStringLiteral("Overflow"));
+            }
+        }
+        QCOMPARE(val(QStringLiteral("1e308")), 1e308);
+        QCOMPARE(toSingle(3.4e38), 3.4e38f);
+        QCOMPARE(singleText(toSingle(123456.78)), QStringLiteral("123456.8"));
     }
 
     void shortDateWidensTheYear()

@@ -69,7 +69,7 @@ void ReceiptScreen::activated()
     m_date->setText(ShortDate().text(services().clock.today()));
     m_accountGrid->setColumnWidthTwips(0, 3000);
     m_accountNameGrid->setColumnWidthTwips(0, 3000);
-    m_receipts->setColumnWidthTwips(3, 3000);
+    m_receipts->setColumnWidthTwips(QStringLiteral("Name_of_Account"), 3000);
 }
 
 void ReceiptScreen::proposeNumber(const QString &maxQuery, const QString &column)
@@ -137,7 +137,7 @@ bool ReceiptScreen::showReceipts(const QString &query)
     const int rows = m_receipts->rows();
     float total = 0;
     for (int row = 1; row < rows; ++row)
-        total = float(double(total) + val(m_receipts->text(row, 3)));
+        total = toSingle(double(total) + val(m_receipts->text(row, 3)));
     m_total->setText(singleText(total));
     return rows > 1;
 }
@@ -156,9 +156,9 @@ void ReceiptScreen::saveClicked()
     db().execute("insert into ledger(refno,dat,ac,credit,accnm,type)values('" + m_number->text() + "','" + today + "','" + m_account->text()
                  + "','" + m_amount->text() + "','" + m_accountName->text() + "','Receipt')");
     db().query("select refno,credit,debit from ledger where refno=" + m_number->text() + " and type='receipt'");
-    const float credit = float(db().query("select sum(credit) as credit from ledger where type='receipt'").number("credit"));
-    const float debit = float(db().query("select sum(debit) as debit from ledger where type='payment'").number("debit"));
-    const float balance = credit <= debit ? debit - credit : credit - debit;
+    const float credit = toSingle(db().query("select sum(credit) as credit from ledger where type='receipt'").number("credit"));
+    const float debit = toSingle(db().query("select sum(debit) as debit from ledger where type='payment'").number("debit"));
+    const float balance = toSingle(credit <= debit ? double(debit) - double(credit) : double(credit) - double(debit));
     db().execute("update ledger set balance='" + singleText(balance) + "' where refno=" + m_number->text() + " and type='receipt'");
     dialogs().inform(QStringLiteral("balance counted"));
 

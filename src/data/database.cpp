@@ -31,6 +31,20 @@ QString fileUri(const QString &path)
     return QStringLiteral("file:") + escaped + QStringLiteral("?mode=rw");
 }
 
+// Whether the file takes writes: the engine quietly opens a file it may not write read-only, and
+// a write-ahead index it may not write fails only the first save. Taking the write lock and
+// giving it back at once proves both, and changes nothing in the file.
+QString writeProbe(QSqlDatabase &db, sqlite3 *handle)
+{
+    if (sqlite3_db_readonly(handle, "main") == 1)
+        return QStringLiteral("the file is read-only; the program must be able to write it");
+    QSqlQuery probe(db);
+    if (!probe.exec(QStringLiteral("begin immediate")))
+        return QStringLiteral("the file cannot be written (%1)").arg(Database::engineMessage(probe.lastError()));
+    probe.exec(QStringLiteral("rollback"));
+    return {};
+}
+
 } // namespace
 
 Database::Database(const QString &connectionString)
@@ -67,6 +81,8 @@ QString Database::openConnection()
     const QVariant handle = db.driver()->handle();
     if (failure.isEmpty() && (qstrcmp(handle.typeName(), "sqlite3*") != 0 || !*static_cast<sqlite3 *const *>(handle.constData())))
         failure = QStringLiteral("the SQLite driver gave no handle");
+    if (failure.isEmpty())
+        failure = writeProbe(db, *static_cast<sqlite3 *const *>(handle.constData()));
     if (!failure.isEmpty()) {
         db.close();
         return failure;
@@ -147,8 +163,12 @@ void Database::fail(const QSqlQuery &query) const
 
 QString Database::engineMessage(const QSqlError &error)
 {
+    // A statement the driver refuses before the engine runs it (a second statement after a ';')
+    // leaves the engine saying "not an error": the driver's own text is the reason then.
     const QString text = error.databaseText();
-    return text.isEmpty() ? error.text() : text;
+    if (text.isEmpty() || text == QLatin1String("not an error"))
+        return error.driverText().isEmpty() ? error.text() : error.driverText();
+    return text;
 }
 
 QString Database::engineText(const QString &sql)
@@ -158,8 +178,24 @@ QString Database::engineText(const QString &sql)
         QRegularExpression::CaseInsensitiveOption);
     if (!sql.contains(QLatin1String("right"), Qt::CaseInsensitive))
         return sql;
-    QString text = sql;
-    return text.replace(rightJoin, QStringLiteral("\\3 \\4 left join \\1 \\2 on"));
+    // Only the statement's own text is rewritten: what stands between quotes is a value, kept
+    // exactly as typed.
+    QString text;
+    text.reserve(sql.size());
+    qsizetype from = 0;
+    while (from < sql.size()) {
+        const qsizetype quote = sql.indexOf(QLatin1Char('\''), from);
+        QString outside = sql.mid(from, quote < 0 ? -1 : quote - from);
+        text += outside.replace(rightJoin, QStringLiteral("\\3 \\4 left join \\1 \\2 on"));
+        if (quote < 0)
+            break;
+        // A doubled quote inside a value ends and restarts it, which reads the same here.
+        const qsizetype closing = sql.indexOf(QLatin1Char('\''), quote + 1);
+        const qsizetype end = closing < 0 ? sql.size() : closing + 1;
+        text += QStringView(sql).mid(quote, end - quote);
+        from = end;
+    }
+    return text;
 }
 
 } // namespace vantrel

@@ -6,6 +6,7 @@
 
 #include <QLocale>
 #include <cmath>
+#include <limits>
 
 namespace vantrel {
 
@@ -78,12 +79,26 @@ double val(const QString &text)
             end = j;
         }
     }
-    const double value = QStringView(text).mid(start, end - start).toDouble();
-    return std::isfinite(value) ? value : 0;
+    return checkFinite(QStringView(text).mid(start, end - start).toDouble());
+}
+
+double checkFinite(double value)
+{
+    if (!std::isfinite(value))
+        throw UnhandledError(QStringLiteral("Overflow"));
+    return value;
+}
+
+float toSingle(double value)
+{
+    if (!std::isfinite(value) || std::fabs(value) > double(std::numeric_limits<float>::max()))
+        throw UnhandledError(QStringLiteral("Overflow"));
+    return float(value);
 }
 
 QString singleText(float value)
 {
+    checkFinite(value);
     if (value == 0)
         return QStringLiteral("0");
     QString text;
@@ -97,6 +112,7 @@ QString singleText(float value)
 
 QString doubleText(double value)
 {
+    checkFinite(value);
     if (value == 0)
         return QStringLiteral("0");
     return plainDecimal(QString::number(value, 'g', QLocale::FloatingPointShortest));

@@ -9,15 +9,25 @@ class Database;
 
 // Leading-number reading of a field: the longest leading decimal number of the text (blanks
 // before it skipped, an optional sign, digits with one decimal point, an optional exponent),
-// else 0. "12abc" is 12, "" is 0, "-3.5x" is -3.5.
+// else 0. "12abc" is 12, "" is 0, "-3.5x" is -3.5. A number too large for a double ("1e400")
+// throws UnhandledError("Overflow").
 double val(const QString &text);
+
+// The value itself when it is a finite number; else throws UnhandledError("Overflow"), as the
+// shop's arithmetic does on a result too large to hold.
+double checkFinite(double value);
+
+// A figure held in single precision: the value rounded to a float. Beyond the float's range
+// (or not a number at all) it throws UnhandledError("Overflow").
+float toSingle(double value);
 
 // Single-precision figure as text: the shortest text of at most 7 significant digits that reads
 // back as the same single, or its 7-digit rounding; plain decimal, no separators (250, 12.5,
-// 123456.78 gives 123456.8).
+// 123456.78 gives 123456.8). An infinite value throws UnhandledError("Overflow").
 QString singleText(float value);
 
 // Double figure as text: the shortest plain decimal text that reads back equal (92.55, 37.5).
+// An infinite value throws UnhandledError("Overflow"): no number text is ever "inf".
 QString doubleText(double value);
 
 // Conversion to a 16-bit signed integer, rounding half to even (8.5 gives 8, 9.5 gives 10).

@@ -3,6 +3,7 @@
 #include "unhandlederror.h"
 
 #include <QFile>
+#include <QStringList>
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
@@ -106,6 +107,59 @@ pragma journal_mode = wal;
 )sql";
 }
 
+namespace {
+
+// A table's Number columns and, where it has one, the numbering column among them.
+struct NumberColumns {
+    const char *table;
+    const char *numbering;
+    QStringList columns;
+};
+
+// The guard of one table: a numbering column holds numbers only (a text, the empty one too, is
+// a type mismatch, and the 16-bit reference number stays in its range), and no Number column
+// takes an infinite value (the engine reads "1e999" as one). The other Number columns keep a
+// text as typed. Plain SQL: the stock sqlite3 shell runs the same checks.
+QString guardText(const NumberColumns &table)
+{
+    QStringList overflow;
+    for (const QString &column : table.columns)
+        overflow << "new." + column + " in (9e999, -9e999)";
+    QString numbering = QString::fromLatin1(table.numbering);
+    if (numbering == QLatin1String("refno"))
+        overflow << QStringLiteral("new.refno not between -32768 and 32767");
+    QString checks;
+    if (!numbering.isEmpty())
+        checks += "    select raise(abort, 'Data type mismatch in criteria expression.') where typeof(new." + numbering
+            + ") not in ('integer', 'real', 'null');\n";
+    checks += "    select raise(abort, 'Overflow') where " + overflow.join(QStringLiteral(" or ")) + ";\n";
+
+    const QString name = QString::fromLatin1(table.table);
+    return "create trigger " + name + "_numbers_insert before insert on " + name + " begin\n" + checks + "end;\n"
+        + "create trigger " + name + "_numbers_update before update of " + table.columns.join(QStringLiteral(", ")) + " on " + name
+        + " begin\n" + checks + "end;\n";
+}
+
+} // namespace
+
+QString guardsText()
+{
+    static const NumberColumns tables[] = {
+        {"productmaster", "psrno", {"psrno", "mrp", "wr", "rate"}},
+        {"suppliermaster", "ID", {"ID"}},
+        {"salesmain", "invoice", {"invoice", "netamt", "dis", "disamt", "gd"}},
+        {"sales", "", {"psrno", "qty", "rate", "amount"}},
+        {"purchasemain", "pono", {"pono", "netamt"}},
+        {"purchase", "", {"psrno", "qty", "rate", "amount"}},
+        {"stock", "", {"psrno", "totqty", "rate", "amt", "usedqty", "stk"}},
+        {"ledger", "refno", {"refno", "debit", "credit", "balance"}},
+    };
+    QString text;
+    for (const NumberColumns &table : tables)
+        text += guardText(table);
+    return text;
+}
+
 void createDatabaseFile(const QString &path)
 {
     const QByteArray name = QFile::encodeName(path);
@@ -119,6 +173,8 @@ void createDatabaseFile(const QString &path)
     char *error = nullptr;
     if (rc == SQLITE_OK)
         rc = sqlite3_exec(db, schemaText(), nullptr, nullptr, &error);
+    if (rc == SQLITE_OK)
+        rc = sqlite3_exec(db, guardsText().toUtf8().constData(), nullptr, nullptr, &error);
     const QString message = error ? QString::fromUtf8(error) : QString::fromUtf8(sqlite3_errmsg(db));
     sqlite3_free(error);
     sqlite3_close(db);

@@ -12,4 +12,10 @@ void createDatabaseFile(const QString &path);
 // The statements that create the tables, the receipt view and the indexes.
 const char *schemaText();
 
+// The triggers that keep the Number columns sound: the numbering columns (invoice, pono, refno,
+// ID, psrno) hold numbers only, failing a statement that would store a text with "Data type
+// mismatch in criteria expression."; refno stays within 16 bits and no Number column stores an
+// infinite value, failing with "Overflow".
+QString guardsText();
+
 } // namespace vantrel

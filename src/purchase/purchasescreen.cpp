@@ -141,14 +141,14 @@ bool PurchaseScreen::bookStock()
         db().execute("insert into stock(cmpid,pono,psrno,prodname,model,party,totqty,rate,amt) values('" + m_cmpid->text() + "','"
                      + m_number->text() + "','" + m_psrno->text() + "','" + m_productName->text() + "','" + m_itemCode->text() + "','"
                      + m_party->text() + "','" + m_qty->text() + "','" + m_rate->text() + "','" + m_amount->text() + "')");
-        const float bought = float(db().query(lotQuery).number("totqty"));
+        const float bought = toSingle(db().query(lotQuery).number("totqty"));
         db().execute("update stock set stk='" + singleText(bought) + "' where prodname='" + m_productName->text() + "'");
         dialogs().inform(QStringLiteral(" stock added successfully"));
         return true;
     }
-    const float total = float(val(m_qty->text())) + float(lot.number("totqty"));
-    const float used = float(lot.number("usedqty"));
-    db().execute("update stock set totqty='" + singleText(total) + "',usedqty='" + singleText(used) + "',stk='" + singleText(total - used)
+    const float total = toSingle(val(m_qty->text()) + lot.number("totqty"));
+    const float used = toSingle(lot.number("usedqty"));
+    db().execute("update stock set totqty='" + singleText(total) + "',usedqty='" + singleText(used) + "',stk='" + singleText(toSingle(double(total) - double(used)))
                  + "' where prodname='" + m_productName->text() + "'");
     dialogs().inform(QStringLiteral("Stock Updated Successfully"));
     return false;

@@ -43,7 +43,7 @@ DayBookScreen::DayBookScreen(Services &services, const Kind &kind, QWidget *pare
 
 void DayBookScreen::activated()
 {
-    m_grid->setColumnWidthTwips(3, 3000);
+    m_grid->setColumnWidthTwips(QStringLiteral("party"), 3000);
     const QString today = ShortDate().text(services().clock.today());
     m_grid->bind(db(), m_kind.listing + today + "'");
     const Recordset total = db().query(m_kind.total + today + "'");

@@ -57,7 +57,7 @@ void PartyRegisterScreen::activated()
     const QDate today = services().clock.today();
     m_from->setDate(today);
     m_to->setDate(today);
-    m_parties->setColumnWidthTwips(1, 3000);
+    m_parties->setColumnWidthTwips(QStringLiteral("suppname"), 3000);
 }
 
 QString PartyRegisterScreen::afterTo() const

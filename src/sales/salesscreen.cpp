@@ -136,7 +136,7 @@ void SalesScreen::addClicked()
     m_lines->bind(db(), "select prodname as Item,qty,rate,amount from sales where invoice='" + m_number->text() + "' And trans='" + mode() + "'");
     float total = 0;
     for (int row = 1, rows = m_lines->rows(); row < rows; ++row)
-        total = float(double(total) + val(m_lines->text(row, 3)));
+        total = toSingle(double(total) + val(m_lines->text(row, 3)));
     m_total->setText(singleText(total));
 
     if (m_writeHeader)
@@ -150,9 +150,9 @@ void SalesScreen::bookPayment()
     const qint16 reference = toInt16(nextNumber(db(), "select max(refno) as refno from ledger where type='payment'", "refno"));
     db().execute("insert into ledger(refno,dat,ac,debit,type) values(" + QString::number(reference) + ",'" + m_date->text() + "','"
                  + m_party->text() + "','" + m_amount->text() + "','payment')");
-    const float credit = float(db().query("select sum(credit) as credit from ledger where type='receipt'").number("credit"));
-    const float debit = float(db().query("select sum(debit) as debit from ledger where type='payment'").number("debit"));
-    const float balance = credit == 0 ? debit : std::abs(credit - debit);
+    const float credit = toSingle(db().query("select sum(credit) as credit from ledger where type='receipt'").number("credit"));
+    const float debit = toSingle(db().query("select sum(debit) as debit from ledger where type='payment'").number("debit"));
+    const float balance = credit == 0 ? debit : toSingle(std::abs(double(credit) - double(debit)));
     db().execute("update ledger set balance='" + singleText(balance) + "' where refno=" + QString::number(reference) + " and type='payment'");
     dialogs().inform(QStringLiteral("balance counted"));
 }
@@ -163,9 +163,9 @@ void SalesScreen::consumeStock()
     const Recordset lot = db().query("select * from stock where prodname='" + m_productName->text() + "'");
     if (lot.eof())
         return;
-    const float quantity = float(val(m_qty->text()));
-    const float stock = float(lot.number("stk")) - quantity;
-    const float used = float(lot.number("usedqty")) + quantity;
+    const double quantity = val(m_qty->text());
+    const float stock = toSingle(lot.number("stk") - quantity);
+    const float used = toSingle(lot.number("usedqty") + quantity);
     db().execute("update stock set usedqty='" + singleText(used) + "',stk='" + singleText(stock) + "' where prodname='"
                  + m_productName->text() + "'");
 }

@@ -117,10 +117,21 @@ void Grid::setColumnWidthTwips(int col, int twips)
     applyWidths();
 }
 
+void Grid::setColumnWidthTwips(const QString &heading, int twips)
+{
+    m_headingWidthsTwips.insert(heading.toLower(), twips);
+    applyWidths();
+}
+
 void Grid::applyWidths()
 {
     for (auto it = m_widthsTwips.cbegin(); it != m_widthsTwips.cend(); ++it)
         setColumnWidth(it.key(), it.value() * logicalDpiX() / 1440);
+    for (int col = 0, cols = m_model->columns(); col < cols; ++col) {
+        const auto width = m_headingWidthsTwips.constFind(m_model->heading(col).toLower());
+        if (width != m_headingWidthsTwips.cend())
+            setColumnWidth(col, *width * logicalDpiX() / 1440);
+    }
 }
 
 void Grid::headingClicked(int section)

@@ -43,6 +43,9 @@ public:
     void setCurrentCell(int row, int col);
 
     void setColumnWidthTwips(int col, int twips);
+    // The width of the column headed HEADING (compared without regard to case), whichever
+    // position it has in the query bound now or later; nothing while no column is so headed.
+    void setColumnWidthTwips(const QString &heading, int twips);
 
 signals:
     // A mouse click on a cell or a heading.
@@ -67,6 +70,7 @@ private:
     bool m_headingCurrent = true;
     int m_headingColumn = 0;
     QHash<int, int> m_widthsTwips;
+    QHash<QString, int> m_headingWidthsTwips; // lower-cased heading -> twips
 };
 
 } // namespace vantrel
