@@ -39,7 +39,7 @@ LedgerScreen::LedgerScreen(Services &services, QWidget *parent) : Screen(service
 
     auto *account = new FieldEvents(m_account);
     on(account, &FieldEvents::keyReleased, &LedgerScreen::accountKeyReleased);
-    connect(account, &FieldEvents::keyPressed, this, [this](int key) { enterListOnDown(key, m_accounts); });
+    downEntersList(account, m_accounts);
     on(m_accounts, &Grid::clicked, &LedgerScreen::accountChosen);
     on(m_accounts, &Grid::keyPressed, &LedgerScreen::accountGridKeyPressed);
     resize(760, 520);

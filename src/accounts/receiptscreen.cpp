@@ -51,10 +51,10 @@ ReceiptScreen::ReceiptScreen(Services &services, QWidget *parent) : Screen(servi
 
     auto *account = new FieldEvents(m_account);
     on(account, &FieldEvents::keyReleased, &ReceiptScreen::accountKeyReleased);
-    connect(account, &FieldEvents::keyPressed, this, [this](int key) { enterListOnDown(key, m_accountGrid); });
+    downEntersList(account, m_accountGrid);
     auto *accountName = new FieldEvents(m_accountName);
     on(accountName, &FieldEvents::keyReleased, &ReceiptScreen::accountNameKeyReleased);
-    connect(accountName, &FieldEvents::keyPressed, this, [this](int key) { enterListOnDown(key, m_accountNameGrid); });
+    downEntersList(accountName, m_accountNameGrid);
     on(m_accountGrid, &Grid::clicked, &ReceiptScreen::accountGridClicked);
     on(m_accountGrid, &Grid::keyPressed, &ReceiptScreen::accountGridKeyPressed);
     on(m_accountNameGrid, &Grid::clicked, &ReceiptScreen::accountNameGridClicked);
@@ -174,6 +174,8 @@ void ReceiptScreen::saveClicked()
     step([&] { dialogs().inform(QStringLiteral("Item Added successfully")); });
     step([&] { proposeNumber("select max(refno) as refno from ledger where type='receipt'", "refno"); });
     step([&] { ignoreErrors = !showLedgerReceipts() || ignoreErrors; });
+    // The next receipt starts at its account; left on the button, Enter would save this one again.
+    m_account->setFocus();
 }
 
 } // namespace vantrel

@@ -44,10 +44,15 @@ void MainWindow::buildMenus()
             connect(action, &QAction::triggered, this, [this, name] { openScreen(name); });
         }
     }
-    // F10 opens the first menu, so that every screen is reachable from the keyboard; the
-    // captions keep no accelerator letters of their own.
+    // F10 opens the first menu with its first entry selected, as Right and Left open the others,
+    // so that every screen is reachable from the keyboard; the captions keep no accelerator
+    // letters of their own.
     auto *menuKey = new QShortcut(QKeySequence(Qt::Key_F10), this);
-    connect(menuKey, &QShortcut::activated, this, [this] { menuBar()->setActiveAction(menuBar()->actions().constFirst()); });
+    connect(menuKey, &QShortcut::activated, this, [this] {
+        QAction *first = menuBar()->actions().constFirst();
+        menuBar()->setActiveAction(first);
+        first->menu()->setActiveAction(first->menu()->actions().constFirst());
+    });
 }
 
 Screen *MainWindow::screen(const QString &entryName) const

@@ -16,6 +16,8 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QShortcut>
+#include <QTimer>
 #include <QVBoxLayout>
 
 namespace vantrel {
@@ -92,6 +94,10 @@ void InvoiceScreen::buildFields(const Wording &wording)
     addPair(row, QStringLiteral("Amount"), m_amount, 11);
     m_add = new QPushButton(QStringLiteral("&Add"), this);
     m_add->setObjectName(QStringLiteral("cmdadd"));
+    // "&Add" shares Alt+A with "C&ancel"; F9 adds the line and nothing else.
+    m_add->setToolTip(QStringLiteral("Add this line (F9)"));
+    auto *addKey = new QShortcut(QKeySequence(Qt::Key_F9), this, nullptr, nullptr, Qt::WidgetWithChildrenShortcut);
+    connect(addKey, &QShortcut::activated, m_add, &QPushButton::click);
     row->addWidget(m_add);
     row->addStretch();
 
@@ -131,6 +137,9 @@ void InvoiceScreen::buildButtonsAndLists(const Wording &wording)
 void InvoiceScreen::connectShared()
 {
     on(m_mode, &QLineEdit::textChanged, &InvoiceScreen::modeChanged);
+    // Coming back to the mode field selects its letter, so one key changes C to D.
+    m_modeEvents = new FieldEvents(m_mode);
+    connect(m_modeEvents, &FieldEvents::focusGained, m_mode, [this] { QTimer::singleShot(0, m_mode, &QLineEdit::selectAll); });
     auto *party = new FieldEvents(m_party);
     on(party, &FieldEvents::keyPressed, &InvoiceScreen::partyKeyPressed);
     on(party, &FieldEvents::keyReleased, &InvoiceScreen::partyKeyReleased);

@@ -9,6 +9,7 @@ class QPushButton;
 
 namespace vantrel {
 
+class FieldEvents;
 class Grid;
 class ItemLookup;
 
@@ -56,6 +57,7 @@ protected:
     void printDocument(const QString &numberLine, int ruleWidth);
 
     QLineEdit *m_mode;
+    FieldEvents *m_modeEvents;
     QLineEdit *m_number;
     QLineEdit *m_date;
     QLineEdit *m_party;

@@ -3,6 +3,7 @@
 #include "data/database.h"
 #include "data/records.h"
 #include "widgets/dialogs.h"
+#include "widgets/droppanel.h"
 #include "widgets/fieldevents.h"
 #include "widgets/grid.h"
 
@@ -67,7 +68,9 @@ PartyMasterScreen::PartyMasterScreen(Services &services, QWidget *parent)
     m_parties = makeGrid(QStringLiteral("party list"));
     layout->addWidget(m_parties, 1);
 
-    on(new FieldEvents(m_name), &FieldEvents::keyReleased, &PartyMasterScreen::nameKeyReleased);
+    auto *name = new FieldEvents(m_name);
+    on(name, &FieldEvents::keyReleased, &PartyMasterScreen::nameKeyReleased);
+    downEntersList(name, m_parties);
     on(m_parties, &Grid::chosen, &PartyMasterScreen::partyChosen);
     on(save, &QPushButton::clicked, &PartyMasterScreen::saveClicked);
     on(update, &QPushButton::clicked, &PartyMasterScreen::updateClicked);
@@ -130,6 +133,7 @@ void PartyMasterScreen::saveClicked()
                  + "','" + m_mobile->text() + "','" + m_pin->text() + "','" + m_category->text() + "','" + m_accountType->currentText() + "')");
     dialogs().inform(QStringLiteral("party added successfully"));
     proposeNextNumber();
+    m_name->setFocus(); // the next party's name, under the number just proposed
 }
 
 // The number is written back onto itself; an empty one fails the statement.
@@ -148,6 +152,7 @@ void PartyMasterScreen::deleteClicked()
         return;
     db().execute("delete from suppliermaster where ID=" + m_id->text());
     dialogs().inform(QStringLiteral("Supplier deleted"));
+    m_name->setFocus();
 }
 
 // Leaves "Party ID" empty until the screen is activated again or a party is saved.
@@ -155,6 +160,7 @@ void PartyMasterScreen::cancelClicked()
 {
     for (QLineEdit *field : {m_id, m_address, m_phone, m_mobile, m_pin, m_name, m_city})
         field->clear();
+    m_name->setFocus();
 }
 
 } // namespace vantrel

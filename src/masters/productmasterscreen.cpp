@@ -172,6 +172,8 @@ void ProductMasterScreen::saveClicked()
                  + m_boxno->text() + "')");
     dialogs().inform(QStringLiteral("Saved successfully"));
     clearFields();
+    // The next product starts with its company; "&Save" would only store an empty one.
+    m_add->setFocus();
 }
 
 void ProductMasterScreen::updateClicked()
@@ -183,12 +185,14 @@ void ProductMasterScreen::updateClicked()
                  + m_boxno->text() + "' where cmpid='" + m_companyCode->text() + "' and psrno=" + m_serial->text());
     dialogs().inform(QStringLiteral("product updated successfully"));
     clearFields();
+    m_companyCode->setFocus(); // where the next product to edit is searched
 }
 
 void ProductMasterScreen::cancelClicked()
 {
     for (QPushButton *button : {m_update, m_save, m_delete})
         button->setEnabled(false);
+    m_companyCode->setFocus();
 }
 
 void ProductMasterScreen::clearFields()

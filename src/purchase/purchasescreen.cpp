@@ -29,7 +29,7 @@ bool typesInGrid(int key)
 PurchaseScreen::PurchaseScreen(Services &services, QWidget *parent)
     : InvoiceScreen(services, {"Purchase", "Purchse Order No :", "Item code", "product stock grid", "party grid"}, parent)
 {
-    on(new FieldEvents(m_mode), &FieldEvents::keyReleased, &PurchaseScreen::modeKeyReleased);
+    on(m_modeEvents, &FieldEvents::keyReleased, &PurchaseScreen::modeKeyReleased);
     on(new FieldEvents(m_number), &FieldEvents::keyPressed, &PurchaseScreen::voucherNumberKeyPressed);
     on(m_products, &Grid::clicked, m_lookup, &ItemLookup::choose);
     on(m_products, &Grid::keyPressed, &PurchaseScreen::productGridKeyPressed);
@@ -211,6 +211,8 @@ void PurchaseScreen::cancelClicked()
         field->clear();
     for (QPushButton *button : {m_cancel, m_endInventory, m_print})
         button->setEnabled(false);
+    // The next voucher starts in the mode field, not on "&Close" beyond the disabled buttons.
+    m_mode->setFocus();
 }
 
 // Wider rules than the invoice, and no blank between "Date :" and the date.

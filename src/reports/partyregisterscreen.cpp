@@ -47,7 +47,7 @@ PartyRegisterScreen::PartyRegisterScreen(Services &services, const PartyKind &ki
 
     auto *party = new FieldEvents(m_party);
     on(party, &FieldEvents::keyReleased, &PartyRegisterScreen::partyKeyReleased);
-    connect(party, &FieldEvents::keyPressed, this, [this](int key) { enterListOnDown(key, m_parties); });
+    downEntersList(party, m_parties);
     on(m_parties, &Grid::chosen, &PartyRegisterScreen::partyChosen);
 }
 

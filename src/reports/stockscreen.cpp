@@ -49,13 +49,13 @@ StockScreen::StockScreen(Services &services, QWidget *parent) : Screen(services,
 
     auto *productName = new FieldEvents(m_productName);
     on(productName, &FieldEvents::keyReleased, &StockScreen::productNameKeyReleased);
-    connect(productName, &FieldEvents::keyPressed, this, [this](int key) { enterListOnDown(key, m_products); });
+    downEntersList(productName, m_products);
     on(m_products, &Grid::clicked, &StockScreen::productClicked);
     on(m_products, &Grid::keyPressed, &StockScreen::productGridKeyPressed);
     on(m_itemCodes, &Grid::chosen, &StockScreen::itemCodeClicked);
     auto *itemCode = new FieldEvents(m_itemCode);
     on(itemCode, &FieldEvents::clicked, &StockScreen::itemCodeFieldClicked);
-    connect(itemCode, &FieldEvents::keyPressed, this, [this](int key) { enterListOnDown(key, m_itemCodes); });
+    downEntersList(itemCode, m_itemCodes);
     upperCaseTyping();
     resize(640, 480);
 }

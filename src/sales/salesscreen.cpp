@@ -42,7 +42,7 @@ SalesScreen::SalesScreen(Services &services, QWidget *parent)
     setTabOrder(m_discountAmount, m_grandTotal);
     setTabOrder(m_grandTotal, m_endInventory);
 
-    on(new FieldEvents(m_mode), &FieldEvents::keyReleased, &SalesScreen::modeKeyReleased);
+    on(m_modeEvents, &FieldEvents::keyReleased, &SalesScreen::modeKeyReleased);
     on(m_parties, &Grid::chosen, &SalesScreen::partyChosen);
     on(new FieldEvents(m_number), &FieldEvents::keyPressed, &SalesScreen::invoiceNumberKeyPressed);
     on(m_products, &Grid::chosen, m_lookup, &ItemLookup::choose);
@@ -251,6 +251,8 @@ void SalesScreen::cancelClicked()
         field->clear();
     m_cancel->setEnabled(false);
     m_print->setEnabled(false);
+    // The next invoice starts in the mode field, not on "&Close" beyond the disabled buttons.
+    m_mode->setFocus();
 }
 
 void SalesScreen::printClicked()

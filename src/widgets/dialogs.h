@@ -10,7 +10,7 @@ class Dialogs {
 public:
     virtual ~Dialogs() = default;
     virtual void inform(const QString &message) = 0;
-    // True only when the operator answers Yes.
+    // True only when the operator answers Yes; No is the default answer.
     virtual bool ask(const QString &question) = 0;
 };
 

@@ -1,5 +1,7 @@
 #include "droppanel.h"
 
+#include "fieldevents.h"
+
 #include <QApplication>
 #include <QTimer>
 #include <QWidget>
@@ -28,6 +30,11 @@ void enterListOnDown(int key, QWidget *list)
 {
     if (key == Qt::Key_Down && !list->isHidden() && list->isEnabled())
         list->setFocus(Qt::OtherFocusReason);
+}
+
+void downEntersList(FieldEvents *events, QWidget *list)
+{
+    QObject::connect(events, &FieldEvents::keyPressed, list, [list](int key) { enterListOnDown(key, list); });
 }
 
 void focusAfterwards(QWidget *widget)

@@ -4,6 +4,8 @@ class QWidget;
 
 namespace vantrel {
 
+class FieldEvents;
+
 // Shows a search list or panel directly under the field it serves, over the screen's other
 // widgets. Both must be children (at any depth) of the same screen; the panel is a direct child.
 void showBelow(QWidget *panel, QWidget *field);
@@ -15,6 +17,8 @@ void hideAfterChoice(QWidget *panel, QWidget *nextField);
 
 // Down pressed in a search field takes the keyboard into its list, while the list shows.
 void enterListOnDown(int key, QWidget *list);
+// The same, for every key pressed in the field that EVENTS watches.
+void downEntersList(FieldEvents *events, QWidget *list);
 
 // Gives the focus to a widget once the focus change now in progress (a Tab, a click) is over;
 // set at once from a focus-out handler, it would be taken away again by that change.

@@ -1,15 +1,21 @@
 #pragma once
 
 #include <QObject>
+#include <QSet>
 
 class QWidget;
 
 namespace vantrel {
 
 // Reports the events of one widget that the screens handle beside its own signals: a key
-// pressed or released in it, a mouse click on it, and the loss of focus to another field of the
-// window. It watches the widget it is created for and lives as its child. The events still
-// reach the widget.
+// pressed or released in it, a mouse click on it, the focus coming in, and the loss of focus to
+// another field of the same screen. It watches the widget it is created for and lives as its
+// child. The events still reach the widget.
+//
+// On a real desktop a key's release lands wherever the focus is by then: the Enter that picks a
+// menu entry, answers a message box or chooses in a list, or the Tab that moves into the field,
+// is released here although it was pressed elsewhere. keyReleased() reports only a key whose
+// press this field saw while it had the focus.
 class FieldEvents final : public QObject {
     Q_OBJECT
 public:
@@ -19,10 +25,19 @@ signals:
     void keyPressed(int key);
     void keyReleased(int key);
     void clicked();
+    void focusGained();
     void focusLost();
 
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
+
+private:
+    // Whether the focus has gone to another widget of the field's own screen (not to another
+    // screen, the menu, a message box or another program).
+    bool focusStayedOnScreen() const;
+
+    QWidget *m_field;
+    QSet<int> m_pressedHere;
 };
 
 } // namespace vantrel

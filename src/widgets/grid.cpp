@@ -4,6 +4,7 @@
 
 #include <QHeaderView>
 #include <QKeyEvent>
+#include <QPointer>
 
 namespace vantrel {
 
@@ -150,13 +151,18 @@ void Grid::currentChanged(const QModelIndex &current, const QModelIndex &previou
 
 void Grid::keyPressEvent(QKeyEvent *event)
 {
+    const QPointer<Grid> alive(this);
+    const bool wasHidden = isHidden();
+    const bool hadFocus = hasFocus();
+    emit keyPressed(event->key());
     if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) {
-        emit keyPressed(event->key());
-        emit chosen();
+        if (alive)
+            emit chosen();
         return;
     }
-    QTableView::keyPressEvent(event);
-    emit keyPressed(event->key());
+    // A handler that took the choice hid the grid or gave the focus away: the key is spent.
+    if (alive && isHidden() == wasHidden && hasFocus() == hadFocus)
+        QTableView::keyPressEvent(event);
 }
 
 } // namespace vantrel

@@ -11,6 +11,8 @@ class GridModel;
 // 1..rows()-1. The current cell is the one a click or the keyboard made current; a click on a
 // heading makes row 0 current. A click on a cell or heading, and Enter pressed in the grid, are
 // the two ways to choose (chosen()); every other key pressed in it is reported (keyPressed()).
+// A key is reported before the grid acts on it, so a handler sees the cell that was current
+// when the key went down; typed letters never move the current row (no search by typing).
 // Numbers show as the system writes them. Widths are in twips, 15 to a pixel at 96 dpi.
 class Grid final : public QTableView {
     Q_OBJECT
@@ -59,6 +61,7 @@ signals:
 
 protected:
     void keyPressEvent(QKeyEvent *event) override;
+    void keyboardSearch(const QString &) override {}
     void currentChanged(const QModelIndex &current, const QModelIndex &previous) override;
 
 private:

@@ -30,6 +30,14 @@ void Screen::guard(const std::function<void()> &action)
     }
 }
 
+void Screen::showEvent(QShowEvent *event)
+{
+    QWidget::showEvent(event);
+    // Outside a dialog a button takes Enter only when it is an "auto default" one.
+    for (QPushButton *button : findChildren<QPushButton *>())
+        button->setAutoDefault(true);
+}
+
 void Screen::closeScreen()
 {
     if (auto *window = qobject_cast<QMdiSubWindow *>(parentWidget()))

@@ -65,6 +65,9 @@ protected:
     // Every character typed anywhere on the screen reaches its field in upper case.
     void upperCaseTyping();
 
+    // The first time the screen shows, Enter as well as Space presses a focused button.
+    void showEvent(QShowEvent *event) override;
+
 private:
     Services &m_services;
 };

@@ -1,0 +1,255 @@
+"""The operator's desk for system tests: the real program on a real X server with a window
+manager, driven by real key presses and releases (xdotool, through XTest), read through the
+accessibility bus (what a screen reader sees) and through its database file.
+
+Every wait polls for a condition with a time limit: nothing here times the program."""
+
+import os
+import shutil
+import sqlite3
+import subprocess
+import sys
+import tempfile
+import time
+import traceback
+
+import pyatspi
+
+WAIT = 10.0  # seconds a condition may take before the check fails
+
+
+_running = []  # the programs a case started; closed when it ends
+
+
+class Failure(Exception):
+    pass
+
+
+def wait_for(what, condition, timeout=WAIT):
+    """Polls CONDITION until it returns something true; returns that, or fails naming WHAT."""
+    end = time.monotonic() + timeout
+    while True:
+        try:
+            value = condition()
+        except Exception:  # the accessible tree changes under us while screens open and close
+            value = None
+        if value:
+            return value
+        if time.monotonic() > end:
+            raise Failure("timed out waiting for " + what)
+        time.sleep(0.05)
+
+
+def check(condition, message):
+    if not condition:
+        raise Failure(message)
+
+
+def equal(actual, expected, what):
+    if actual != expected:
+        raise Failure("%s: expected %r, got %r" % (what, expected, actual))
+
+
+def _walk(acc):
+    yield acc
+    for i in range(acc.childCount):
+        child = acc.getChildAtIndex(i)
+        if child is not None:
+            yield from _walk(child)
+
+
+class Desktop:
+    """The window manager and the accessibility bus, for the whole run."""
+
+    def __init__(self):
+        self.helpers = [
+            subprocess.Popen(["/usr/libexec/at-spi-bus-launcher", "--launch-immediately"],
+                             stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL),
+        ]
+        time.sleep(0.5)
+        self.helpers.append(subprocess.Popen(["openbox"], stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL))
+        time.sleep(0.5)
+
+    def close(self):
+        for helper in reversed(self.helpers):
+            helper.terminate()
+            helper.wait()
+
+
+class Program:
+    """One run of the real program in a program directory of its own, on a fresh database file
+    holding SEED (SQL run by the engine's stock library, so the guards of the file apply)."""
+
+    def __init__(self, program_dir, seed=""):
+        self.dir = tempfile.mkdtemp(prefix="vantrel desk-")
+        shutil.copy(os.path.join(program_dir, "vantrel"), self.dir)
+        self.db_path = os.path.join(self.dir, "vantrel.accdb")
+        subprocess.run([os.path.join(program_dir, "vantrel-initdb"), self.db_path], check=True,
+                       stdout=subprocess.DEVNULL)
+        if seed:
+            with sqlite3.connect(self.db_path) as db:
+                db.executescript(seed)
+        env = dict(os.environ, QT_LINUX_ACCESSIBILITY_ALWAYS_ON="1", QT_ACCESSIBILITY="1", LC_ALL="C.UTF-8")
+        env.pop("QT_QPA_PLATFORM", None)
+        self.log = open(os.path.join(self.dir, "program.log"), "w")
+        _running.append(self)
+        self.process = subprocess.Popen([os.path.join(self.dir, "vantrel")], env=env, stdout=self.log,
+                                        stderr=subprocess.STDOUT)
+        self.app = wait_for("the program on the accessibility bus", self._find_app, timeout=30)
+        self.sales = wait_for("the Sales screen", lambda: self.screen("Sales"))
+        wait_for("the keyboard in C/D", lambda: self.focused_name() == "C/D")
+
+    def _find_app(self):
+        desktop = pyatspi.Registry.getDesktop(0)
+        for i in range(desktop.childCount):
+            app = desktop.getChildAtIndex(i)
+            if app is not None and app.get_process_id() == self.process.pid:
+                return app
+        return None
+
+    def close(self):
+        self.process.kill()
+        self.process.wait()
+        self.log.close()
+        shutil.rmtree(self.dir, ignore_errors=True)
+
+    # --- the keyboard -------------------------------------------------------------------------
+
+    def keys(self, *names):
+        """Presses and releases each key in turn, as a person would ("Return", "alt+a", "F10")."""
+        subprocess.run(["xdotool", "key", "--delay", "120"] + list(names), check=True)
+        time.sleep(0.15)
+
+    def type(self, text):
+        subprocess.run(["xdotool", "type", "--delay", "120", text], check=True)
+        time.sleep(0.15)
+
+    # --- what the screens show ----------------------------------------------------------------
+
+    def screen(self, caption):
+        """The frame of the screen with CAPTION inside the main window, or None."""
+        for acc in _walk(self.app):
+            if acc.name == caption and self._is_screen(acc):
+                return acc
+        return None
+
+    @staticmethod
+    def _is_screen(acc):
+        """A screen's window inside the main window: a named frame below the program's own."""
+        return acc.getRoleName() == "frame" and bool(acc.name) and acc.parent is not None \
+            and acc.parent.getRoleName() != "application"
+
+    def widget(self, name, role, scope=None):
+        for acc in _walk(scope or self.app):
+            if acc.name == name and acc.getRoleName() == role:
+                return acc
+        raise Failure("no %s named %r" % (role, name))
+
+    def text(self, label, scope=None):
+        return self.widget(label, "text", scope).queryText().getText(0, -1)
+
+    def enabled(self, caption, scope=None):
+        self.app.clear_cache()
+        return self.widget(caption, "push button", scope).getState().contains(pyatspi.STATE_SENSITIVE)
+
+    def showing(self, name, role="table", scope=None):
+        self.app.clear_cache()
+        return self.widget(name, role, scope).getState().contains(pyatspi.STATE_SHOWING)
+
+    def focused(self):
+        self.app.clear_cache()  # states are cached and not every change is announced
+        for acc in _walk(self.app):
+            # A grid's current cell reads as focused whether or not the grid has the keyboard.
+            if acc.getState().contains(pyatspi.STATE_FOCUSED) and acc.getRoleName() not in ("frame", "table cell"):
+                return acc
+        return None
+
+    def focused_name(self):
+        acc = self.focused()
+        return acc.name if acc is not None else None
+
+    def focused_screen(self):
+        """The caption of the screen that holds the keyboard."""
+        acc = self.focused()
+        while acc is not None and not self._is_screen(acc):
+            acc = acc.parent
+        return acc.name if acc is not None else None
+
+    def message_box(self):
+        """The text of the message box that is up, or None."""
+        for i in range(self.app.childCount):
+            window = self.app.getChildAtIndex(i)
+            if window is None or window.getRoleName() not in ("dialog", "alert"):
+                continue
+            if not window.getState().contains(pyatspi.STATE_SHOWING):
+                continue
+            for acc in _walk(window):
+                if acc.getRoleName() == "label" and acc.name:
+                    return acc.name
+        return None
+
+    def answer(self, expected, *keys):
+        """Waits for the message box EXPECTED, answers it with KEYS, and waits for it to go (the
+        next box may already be up then)."""
+        box = wait_for("the message box %r" % expected, self._box_window)
+        equal(self.message_box(), expected, "message box")
+        self.keys(*keys)
+        wait_for("the message box %r to close" % expected, lambda: self._box_window() != box)
+
+    def _box_window(self):
+        for i in range(self.app.childCount):
+            window = self.app.getChildAtIndex(i)
+            if window is not None and window.getRoleName() in ("dialog", "alert") \
+                    and window.getState().contains(pyatspi.STATE_SHOWING):
+                return window
+        return None
+
+    def screenshot(self, name):
+        """Saves what the X server shows as NAME.png in the folder of the test's pictures."""
+        folder = os.environ.get("VANTREL_SHOTS")
+        if folder:
+            os.makedirs(folder, exist_ok=True)
+            subprocess.run("xwd -root -silent | convert xwd:- '%s/%s.png'" % (folder, name), shell=True)
+
+    def no_message_box(self, after):
+        time.sleep(0.4)
+        shown = self.message_box()
+        check(shown is None, "a message box %r appeared after %s" % (shown, after))
+
+    # --- the database file --------------------------------------------------------------------
+
+    def rows(self, sql):
+        with sqlite3.connect(self.db_path) as db:
+            return [tuple("" if v is None else (str(int(v)) if isinstance(v, float) and v == int(v) else str(v)) for v in row)
+                    for row in db.execute(sql)]
+
+    def printed(self):
+        path = os.path.join(self.dir, "LPT1")
+        return open(path, "rb").read().decode() if os.path.exists(path) else None
+
+
+def run(cases):
+    """Runs each case (a function taking the program's directory) and prints the tally."""
+    program_dir = os.path.abspath(sys.argv[1])
+    desktop = Desktop()
+    passed = failed = 0
+    try:
+        for case in cases:
+            started = time.monotonic()
+            try:
+                case(program_dir)
+                passed += 1
+                print("PASS %s (%.1f s)" % (case.__name__, time.monotonic() - started), flush=True)
+            except Exception as error:
+                failed += 1
+                if _running:
+                    _running[-1].screenshot("fail-" + case.__name__)
+                print("FAIL %s: %s" % (case.__name__, error), flush=True)
+                if not isinstance(error, Failure):
+                    traceback.print_exc()
+            while _running:
+                _running.pop().close()
+    finally:
+        desktop.close()
+    print("%d passed, %d failed" % (passed, failed))
+    sys.exit(1 if failed else 0)

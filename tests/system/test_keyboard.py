@@ -1,0 +1,254 @@
+"""Keyboard, focus and lists on a real desktop: the operator's day, keyed as a person keys it.
+
+On a real X server with a window manager a key's release lands wherever the focus is by then,
+message boxes take the activation and give it back, and a grid's own keys run first; the
+offscreen unit tests cannot see any of that."""
+
+from desk import Program, check, equal, run, wait_for
+
+SHOP = """
+insert into companymaster(companyname,cmpid) values('CIPLA LTD','CIP');
+insert into productmaster(cmpid,mfgname,psrno,prodname,model,rate,boxno) values
+    ('CIP','CIPLA LTD','1','PANADOL','8901','12.5','B1'),
+    ('CIP','CIPLA LTD','2','PARACETAMOL','8902','4','B2'),
+    ('CIP','CIPLA LTD','3','ZINCOVIT','8903','40','B3');
+insert into stock(cmpid,pono,psrno,prodname,model,party,totqty,rate,amt,usedqty,stk) values
+    ('CIP','1','1','PANADOL','8901','RAM STORES','100','10','1000','0','100'),
+    ('CIP','1','2','PARACETAMOL','8902','RAM STORES','50','3','150','0','50');
+insert into suppliermaster(ID,suppname) values ('1','RAM STORES'), ('2','RAVI MEDICALS');
+insert into purchasemain(pono,dat,party,trans,netamt) values ('1','11/1/2026','RAM STORES','D','1150');
+insert into purchase(cmpid,psrno,pono,prodname,party,model,qty,rate,amount,trans,status) values
+    ('CIP','1','1','PANADOL','RAM STORES','8901','100','10','1000','D','u'),
+    ('CIP','2','1','PARACETAMOL','RAM STORES','8902','50','3','150','D','u');
+insert into salesmain(invoice,dat,party,trans,netamt) values
+    ('4','11/2/2026','RAVI MEDICALS','C','25'), ('2','11/2/2026','RAVI MEDICALS','D','50');
+"""
+
+# The menu bar as the keyboard walks it: F10 opens "File", Right moves to the next menu.
+MENUS = ["File", "Transaction", "Sales Report", "Purchase Report", "Stock"]
+ENTRIES = {
+    "Receipt": ("File", 0), "Ledger": ("File", 1),
+    "Sales": ("Transaction", 0), "Purchase": ("Transaction", 1), "Party master": ("Transaction", 3),
+    "Stock Summary": ("Stock", 0),
+}
+
+
+def choose_from_menu(p, entry):
+    menu, index = ENTRIES[entry]
+    p.keys("F10", *["Right"] * MENUS.index(menu))
+    p.keys(*["Down"] * index, "Return")
+
+
+def tab_to(p, name, key="Tab"):
+    """Presses KEY until the keyboard is in the widget NAME (twenty times at most)."""
+    for _ in range(20):
+        if p.focused_name() == name:
+            return
+        before = p.focused()
+        p.keys(key)
+        try:
+            wait_for("the keyboard to move", lambda: p.focused() != before, timeout=2)
+        except Exception:
+            pass
+    raise AssertionError("Tab never reached %r" % name)
+
+
+def program(program_dir):
+    return Program(program_dir, SHOP)
+
+
+def a_credit_sale_keyed_from_the_menu_to_the_end(program_dir):
+    p = program(program_dir)
+    sales = p.sales
+    # The Enter that picks "Sales" is released in the mode field: it starts nothing.
+    choose_from_menu(p, "Sales")
+    wait_for("the keyboard back in C/D", lambda: p.focused_name() == "C/D")
+    p.no_message_box("the menu's Enter")
+    equal(p.text("Invoice No :", sales), "", "number after the menu's Enter")
+    check(not p.enabled("Add", sales), "Add is enabled before a mode was typed")
+
+    p.type("d")
+    wait_for("the next credit number", lambda: p.text("Invoice No :", sales) == "3")
+    equal(p.text("C/D", sales), "D", "mode")
+    wait_for("the keyboard in Party:", lambda: p.focused_name() == "Party:")
+
+    p.type("ra")
+    wait_for("the party list", lambda: p.showing("party list", scope=sales))
+    p.keys("Down", "Return")
+    wait_for("the party taken", lambda: p.text("Party:", sales) == "RAM STORES")
+    wait_for("the keyboard in Product Name:", lambda: p.focused_name() == "Product Name:")
+    equal(p.text("Invoice No :", sales), "3", "number after the party's Enter")
+
+    # One product from its list, added with F9.
+    p.type("pa")
+    wait_for("the product list", lambda: p.showing("product/stock grid", scope=sales))
+    p.keys("Down", "Return")
+    wait_for("the product taken", lambda: p.text("Product Name:", sales) == "PANADOL")
+    wait_for("the keyboard in Qty", lambda: p.focused_name() == "Qty")
+    p.type("3")
+    wait_for("the amount", lambda: p.text("Amount", sales) == "37.5")
+    p.keys("F9")
+    p.answer("balance counted", "Return")
+    p.answer("Party transcation completed", "Return")
+    wait_for("the keyboard in Product Name:", lambda: p.focused_name() == "Product Name:")
+
+    # One product by its item code, added with Enter on the focused "&Add".
+    p.keys("Tab")
+    wait_for("the keyboard in item code", lambda: p.focused_name() == "item code")
+    p.type("8902")
+    p.keys("Return")
+    wait_for("the product by code", lambda: p.text("Product Name:", sales) == "PARACETAMOL")
+    wait_for("the keyboard in Qty", lambda: p.focused_name() == "Qty")
+    p.type("2")
+    tab_to(p, "Add")
+    p.keys("Return")
+    p.answer("balance counted", "space")
+    wait_for("the total", lambda: p.text("Total Amount", sales) == "45.5")
+    p.no_message_box("the second line")
+
+    tab_to(p, "discount percent")
+    p.type("10")
+    p.keys("Tab")
+    p.answer("Discount Calculated on invoice", "Return")
+    equal(p.text("GRAND TOTAL", sales), "40.95", "grand total")
+
+    p.keys("alt+p")
+    wait_for("the printout", lambda: "PARACETAMOL" in (p.printed() or ""))
+
+    p.keys("alt+e")
+    p.answer("Are You Sure You Want To End Inventory", "alt+y")
+    p.answer("Invoice Amount Received", "Return")
+    wait_for("the keyboard in C/D", lambda: p.focused_name() == "C/D")
+    p.no_message_box("the settling box's Enter")
+    equal(p.text("Invoice No :", sales), "", "number after the settling box's Enter")
+
+    equal(p.rows("select prodname,qty,amount,status from sales where invoice='3' and trans='D' order by rowid"),
+          [("PANADOL", "3", "37.5", "p"), ("PARACETAMOL", "2", "8", "p")], "lines")
+    equal(p.rows("select party,netamt,dis,disamt,gd from salesmain where invoice=3 and trans='D'"),
+          [("RAM STORES", "45.5", "10", "4.55", "40.95")], "header")
+    equal(p.rows("select refno,debit from ledger where type='payment' order by refno"),
+          [("1", "37.5"), ("2", "8")], "payments")
+    equal(p.rows("select prodname,stk,usedqty from stock order by prodname"),
+          [("PANADOL", "97", "3"), ("PARACETAMOL", "48", "2")], "stock")
+    equal(p.rows("select count(*) from salesmain"), [("3",)], "headers")
+
+
+def changing_c_to_d(program_dir):
+    p = program(program_dir)
+    sales = p.sales
+    p.type("c")
+    wait_for("the next cash number", lambda: p.text("Invoice No :", sales) == "5")
+    wait_for("the keyboard in Party:", lambda: p.focused_name() == "Party:")
+    # Shift+Tab back to the mode field restarts nothing; its letter is selected, so one key
+    # changes the mode.
+    p.keys("shift+Tab", "shift+Tab", "shift+Tab")
+    wait_for("the keyboard in C/D", lambda: p.focused_name() == "C/D")
+    equal(p.text("Invoice No :", sales), "5", "number after Shift+Tab")
+    p.type("d")
+    wait_for("the next credit number", lambda: p.text("Invoice No :", sales) == "3")
+    equal(p.text("C/D", sales), "D", "mode")
+    p.no_message_box("changing the mode")
+
+
+def a_typed_letter_in_a_list_chooses_the_row_it_is_on(program_dir):
+    p = program(program_dir)
+    choose_from_menu(p, "Purchase")
+    purchase = wait_for("the Purchase screen", lambda: p.screen("Purchase"))
+    wait_for("the keyboard in Purchase", lambda: p.focused_screen() == "Purchase" and p.focused_name() == "C/D")
+    p.no_message_box("the menu's Enter")
+    equal(p.text("Purchse Order No :", purchase), "", "number after the menu's Enter")
+    p.type("d")
+    wait_for("the next voucher number", lambda: p.text("Purchse Order No :", purchase) == "2")
+    p.keys("Tab")
+    wait_for("the keyboard in Product Name:", lambda: p.focused_name() == "Product Name:")
+    p.type("pa")
+    wait_for("the product list", lambda: p.showing("product stock grid", scope=purchase))
+    p.keys("Down")
+    wait_for("the keyboard in the list", lambda: p.focused_name() == "product stock grid")
+    # Any typed key chooses here; it must choose PANADOL, the row it went down on.
+    p.type("p")
+    wait_for("a product taken", lambda: p.text("Product Name:", purchase) != "PA")
+    equal(p.text("Product Name:", purchase), "PANADOL", "product chosen by a typed letter")
+
+
+def another_screen_opened_while_the_party_list_shows_stays(program_dir):
+    p = program(program_dir)
+    sales = p.sales
+    p.type("d")
+    wait_for("the keyboard in Party:", lambda: p.focused_name() == "Party:")
+    p.type("r")
+    wait_for("the party list", lambda: p.showing("party list", scope=sales))
+    choose_from_menu(p, "Purchase")
+    wait_for("the keyboard in Purchase", lambda: p.focused_screen() == "Purchase")
+    p.no_message_box("opening Purchase")
+    equal(p.focused_screen(), "Purchase", "screen with the keyboard a moment later")
+    check(p.enabled("Add", sales), "Sales was activated again behind Purchase")
+
+
+def a_bare_enter_on_the_cancel_question_deletes_nothing(program_dir):
+    p = program(program_dir)
+    choose_from_menu(p, "Purchase")
+    purchase = wait_for("the Purchase screen", lambda: p.screen("Purchase"))
+    wait_for("the keyboard in Purchase", lambda: p.focused_screen() == "Purchase" and p.focused_name() == "C/D")
+    p.type("d")
+    wait_for("the keyboard in Party:", lambda: p.focused_name() == "Party:")
+    tab_to(p, "Purchse Order No :", "shift+Tab")
+    p.keys("ctrl+a")
+    p.type("1")
+    p.keys("Return")
+    wait_for("the voucher's total", lambda: p.text("Total Amount", purchase) == "1150")
+    # "&Add" and "C&ancel" share Alt+A: the second press leaves the keyboard on "C&ancel".
+    p.keys("alt+a", "alt+a")
+    wait_for("the keyboard on Cancel", lambda: p.focused_name() == "Cancel")
+    p.keys("Return")
+    p.answer("Are You Sure You Want To Cancel Invoice", "Return")
+    p.no_message_box("answering No")
+    equal(p.rows("select count(*) from purchase where pono='1'"), [("2",)], "lines of voucher 1")
+    equal(p.rows("select count(*) from purchasemain"), [("1",)], "headers")
+    equal(p.rows("select prodname,totqty,stk from stock order by prodname"),
+          [("PANADOL", "100", "100"), ("PARACETAMOL", "50", "50")], "stock")
+
+
+def enter_in_the_search_lists_takes_the_row_and_closes_the_list(program_dir):
+    p = program(program_dir)
+    choose_from_menu(p, "Stock Summary")
+    stock = wait_for("the Stock screen", lambda: p.screen("Stock"))
+    wait_for("the keyboard in Stock", lambda: p.focused_screen() == "Stock")
+    tab_to(p, "Product Name")
+    p.type("pa")
+    wait_for("the product grid", lambda: p.showing("product grid", scope=stock))
+    p.keys("Down", "Return")
+    wait_for("the name taken", lambda: p.text("Product Name", stock) == "PANADOL")
+    p.no_message_box("Enter on the product grid")
+    check(not p.showing("product grid", scope=stock), "the product grid showed again after Enter")
+
+    choose_from_menu(p, "Receipt")
+    receipt = wait_for("the Receipt screen", lambda: p.screen("Receipt"))
+    wait_for("the keyboard in Receipt", lambda: p.focused_screen() == "Receipt")
+    tab_to(p, "Account")
+    p.type("ra")
+    wait_for("the account list", lambda: p.showing("account search grid A", scope=receipt))
+    p.keys("Down", "Return")
+    wait_for("the account taken", lambda: p.text("Account", receipt) == "RAM STORES")
+    check(not p.showing("account search grid A", scope=receipt), "the account list stayed")
+
+    choose_from_menu(p, "Party master")
+    parties = wait_for("the party master", lambda: p.screen("Suppliermaster"))
+    wait_for("the keyboard in the party master", lambda: p.focused_screen() == "Suppliermaster")
+    tab_to(p, "Party Name :")
+    p.type("rav")
+    wait_for("the party list", lambda: p.showing("party list", scope=parties))
+    p.keys("Down", "Return")
+    wait_for("the party taken", lambda: p.text("Party ID", parties) == "2")
+    equal(p.text("Party Name :", parties), "RAVI MEDICALS", "party picked")
+
+
+if __name__ == "__main__":
+    run([
+        a_credit_sale_keyed_from_the_menu_to_the_end,
+        changing_c_to_d,
+        a_typed_letter_in_a_list_chooses_the_row_it_is_on,
+        another_screen_opened_while_the_party_list_shows_stays,
+        a_bare_enter_on_the_cancel_question_deletes_nothing,
+        enter_in_the_search_lists_takes_the_row_and_closes_the_list,
+    ])
