@@ -150,14 +150,20 @@ def changing_c_to_d(program_dir):
     p.no_message_box("changing the mode")
 
 
-def a_typed_letter_in_a_list_chooses_the_row_it_is_on(program_dir):
-    p = program(program_dir)
+def start_a_purchase(p):
+    """Opens Purchase from the menu and types D; the menu's Enter itself starts nothing."""
     choose_from_menu(p, "Purchase")
     purchase = wait_for("the Purchase screen", lambda: p.screen("Purchase"))
     wait_for("the keyboard in Purchase", lambda: p.focused_screen() == "Purchase" and p.focused_name() == "C/D")
     p.no_message_box("the menu's Enter")
     equal(p.text("Purchse Order No :", purchase), "", "number after the menu's Enter")
     p.type("d")
+    return purchase
+
+
+def a_typed_letter_in_a_list_chooses_the_row_it_is_on(program_dir):
+    p = program(program_dir)
+    purchase = start_a_purchase(p)
     wait_for("the next voucher number", lambda: p.text("Purchse Order No :", purchase) == "2")
     p.keys("Tab")
     wait_for("the keyboard in Product Name:", lambda: p.focused_name() == "Product Name:")
@@ -187,10 +193,7 @@ def another_screen_opened_while_the_party_list_shows_stays(program_dir):
 
 def a_bare_enter_on_the_cancel_question_deletes_nothing(program_dir):
     p = program(program_dir)
-    choose_from_menu(p, "Purchase")
-    purchase = wait_for("the Purchase screen", lambda: p.screen("Purchase"))
-    wait_for("the keyboard in Purchase", lambda: p.focused_screen() == "Purchase" and p.focused_name() == "C/D")
-    p.type("d")
+    purchase = start_a_purchase(p)
     wait_for("the keyboard in Party:", lambda: p.focused_name() == "Party:")
     tab_to(p, "Purchse Order No :", "shift+Tab")
     p.keys("ctrl+a")
@@ -209,36 +212,31 @@ def a_bare_enter_on_the_cancel_question_deletes_nothing(program_dir):
           [("PANADOL", "100", "100"), ("PARACETAMOL", "50", "50")], "stock")
 
 
+def pick_from_list(p, entry, caption, field, typed, list_name):
+    """Opens the screen of menu ENTRY, types TYPED into FIELD and picks the first row of its list
+    with Down and Enter. Returns the screen."""
+    choose_from_menu(p, entry)
+    screen = wait_for("the screen " + caption, lambda: p.screen(caption))
+    wait_for("the keyboard in " + caption, lambda: p.focused_screen() == caption)
+    tab_to(p, field)
+    p.type(typed)
+    wait_for("the list " + list_name, lambda: p.showing(list_name, scope=screen))
+    p.keys("Down", "Return")
+    return screen
+
+
 def enter_in_the_search_lists_takes_the_row_and_closes_the_list(program_dir):
     p = program(program_dir)
-    choose_from_menu(p, "Stock Summary")
-    stock = wait_for("the Stock screen", lambda: p.screen("Stock"))
-    wait_for("the keyboard in Stock", lambda: p.focused_screen() == "Stock")
-    tab_to(p, "Product Name")
-    p.type("pa")
-    wait_for("the product grid", lambda: p.showing("product grid", scope=stock))
-    p.keys("Down", "Return")
+    stock = pick_from_list(p, "Stock Summary", "Stock", "Product Name", "pa", "product grid")
     wait_for("the name taken", lambda: p.text("Product Name", stock) == "PANADOL")
     p.no_message_box("Enter on the product grid")
     check(not p.showing("product grid", scope=stock), "the product grid showed again after Enter")
 
-    choose_from_menu(p, "Receipt")
-    receipt = wait_for("the Receipt screen", lambda: p.screen("Receipt"))
-    wait_for("the keyboard in Receipt", lambda: p.focused_screen() == "Receipt")
-    tab_to(p, "Account")
-    p.type("ra")
-    wait_for("the account list", lambda: p.showing("account search grid A", scope=receipt))
-    p.keys("Down", "Return")
+    receipt = pick_from_list(p, "Receipt", "Receipt", "Account", "ra", "account search grid A")
     wait_for("the account taken", lambda: p.text("Account", receipt) == "RAM STORES")
     check(not p.showing("account search grid A", scope=receipt), "the account list stayed")
 
-    choose_from_menu(p, "Party master")
-    parties = wait_for("the party master", lambda: p.screen("Suppliermaster"))
-    wait_for("the keyboard in the party master", lambda: p.focused_screen() == "Suppliermaster")
-    tab_to(p, "Party Name :")
-    p.type("rav")
-    wait_for("the party list", lambda: p.showing("party list", scope=parties))
-    p.keys("Down", "Return")
+    parties = pick_from_list(p, "Party master", "Suppliermaster", "Party Name :", "rav", "party list")
     wait_for("the party taken", lambda: p.text("Party ID", parties) == "2")
     equal(p.text("Party Name :", parties), "RAVI MEDICALS", "party picked")
 
