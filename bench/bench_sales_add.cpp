@@ -67,7 +67,7 @@ int main(int argc, char **argv)
 
     SilentDialogs dialogs;
     SystemClock clock;
-    Services services{db, dialogs, clock, dir.path(), [](const QString &m) { std::printf("error: %s\n", qPrintable(m)); }, {}};
+    Services services{db, dialogs, clock, dir.path(), [](const QString &m) { std::printf("error: %s\n", qPrintable(m)); }, {}, {}};
     MainWindow window(services);
     window.show();
     QWidget *sales = window.openScreen("sale");

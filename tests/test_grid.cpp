@@ -144,6 +144,28 @@ private slots:
         QCOMPARE(g.grid.text(1, 2), QStringLiteral("PUNE"));
     }
 
+    // Alignment follows what the engine gives: a column of numbers (declared or computed) lines
+    // up on the right, a column of texts on the left, whatever the cells hold.
+    void numbersLineUpOnTheRightAndTextsOnTheLeft()
+    {
+        BoundGrid g;
+        g.shop.exec("insert into salesmain(invoice,party,netamt) values('7','ASHA','12.5'),('8','ASHA','100')");
+        const auto alignment = [&g](int row, int column) {
+            return g.grid.model()->data(g.grid.model()->index(row, column), Qt::TextAlignmentRole).value<Qt::Alignment>() & Qt::AlignHorizontal_Mask;
+        };
+        QCOMPARE(alignment(0, 0), Qt::AlignLeft);  // suppname
+        QCOMPARE(alignment(0, 1), Qt::AlignRight); // ID
+        QCOMPARE(alignment(2, 2), Qt::AlignLeft);  // city
+        g.grid.bind(g.shop.db(), "select party, sum(netamt) as total, count(*) from salesmain group by party");
+        QCOMPARE(g.grid.text(1, 1), QStringLiteral("112.5"));
+        QCOMPARE(alignment(0, 0), Qt::AlignLeft);
+        QCOMPARE(alignment(0, 1), Qt::AlignRight);
+        QCOMPARE(alignment(0, 2), Qt::AlignRight);
+        g.grid.setFixedFirstColumn(true);
+        QCOMPARE(alignment(0, 0), Qt::Alignment());
+        QCOMPARE(alignment(0, 2), Qt::AlignRight);
+    }
+
     void widthsAreInTwipsAndSurviveARebind()
     {
         BoundGrid g;

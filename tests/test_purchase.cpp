@@ -183,6 +183,7 @@ private slots:
         d.addLine("8902", "2");
         d.addLine("8902", "1");
         test::click(d.screen, "&Print");
+        QCOMPARE(test::lastPrinted(d.window), QStringLiteral("Printed Purchase order 1: 13 lines"));
         QFile printed(d.shop.directory() + "/LPT1");
         QVERIFY(printed.open(QIODevice::ReadOnly));
         QCOMPARE(QString::fromUtf8(printed.readAll()),

@@ -124,6 +124,7 @@ private slots:
                                             "----------------------------------------------\r\n"
                                             "Total (Rs.)                            0\r\n"
                                             "==============================================\r\n"));
+        QCOMPARE(test::lastPrinted(d.window), QStringLiteral("Printed Datewise Purchase Register 1/1/2026 to 1/2/2026: 13 lines"));
     }
 
     void printedCellsAreCutAndTheAmountRightJustified()

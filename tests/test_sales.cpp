@@ -413,6 +413,8 @@ private slots:
         const QStringList lines = QString::fromUtf8(printed.readAll()).split("\r\n");
         QCOMPARE(lines[6], QStringLiteral("cmpid      code   item qty"));
         QCOMPARE(lines[8], QStringLiteral("CIP             890 PARA  2      "));
+        // Each print tells the operator on the status line.
+        QCOMPARE(test::lastPrinted(d.window), QStringLiteral("Printed Sales invoice 1: 13 lines"));
     }
 
     void aPickOnAHeadingOrAThirdColumnIsRefused()

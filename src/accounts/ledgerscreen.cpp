@@ -42,7 +42,7 @@ LedgerScreen::LedgerScreen(Services &services, QWidget *parent) : Screen(service
     downEntersList(account, m_accounts);
     on(m_accounts, &Grid::clicked, &LedgerScreen::accountChosen);
     on(m_accounts, &Grid::keyPressed, &LedgerScreen::accountGridKeyPressed);
-    resize(760, 520);
+    setKeysHint(QStringLiteral("Down, Enter takes a row \u00b7 Alt+C closes"));
 }
 
 void LedgerScreen::activated()

@@ -61,7 +61,8 @@ ReceiptScreen::ReceiptScreen(Services &services, QWidget *parent) : Screen(servi
     on(m_accountNameGrid, &Grid::keyPressed, &ReceiptScreen::accountNameGridKeyPressed);
     on(save, &QPushButton::clicked, &ReceiptScreen::saveClicked);
     guard([this] { proposeNumber("select max(refno) as ref from ledger where type='receipt'", "ref"); });
-    resize(760, 560);
+    alignNumbers({m_amount, m_total});
+    setKeysHint(QStringLiteral("Down, Enter takes a row \u00b7 Alt+S saves \u00b7 Alt+C closes"));
 }
 
 void ReceiptScreen::activated()

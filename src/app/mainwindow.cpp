@@ -4,10 +4,13 @@
 #include "widgets/messageboxdialogs.h"
 #include "widgets/screen.h"
 
+#include <QEvent>
+#include <QLabel>
 #include <QMdiArea>
 #include <QMdiSubWindow>
 #include <QMenuBar>
 #include <QShortcut>
+#include <QStatusBar>
 
 namespace vantrel {
 
@@ -18,9 +21,14 @@ MainWindow::MainWindow(Services &services, QWidget *parent)
     m_mdiArea->setHorizontalScrollBarPolicy(Qt::ScrollBarAsNeeded);
     m_mdiArea->setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
     setCentralWidget(m_mdiArea);
+    // The area changes size when the window manager maximises the main window, after the
+    // start-up screen is already open: every window is fitted again then.
+    m_mdiArea->viewport()->installEventFilter(this);
     connect(m_mdiArea, &QMdiArea::subWindowActivated, this, &MainWindow::subWindowActivated);
     buildMenus();
+    buildStatusLine();
     m_services.openScreen = [this](const QString &entryName) { return screen(entryName); };
+    m_services.showPrinted = [this](const QString &text) { m_printed->setText(text); };
     resize(1280, 720);
 }
 
@@ -29,7 +37,23 @@ MainWindow::MainWindow(Services &services, QWidget *parent)
 MainWindow::~MainWindow()
 {
     disconnect(m_mdiArea, nullptr, this, nullptr);
+    m_mdiArea->viewport()->removeEventFilter(this);
     m_services.openScreen = nullptr;
+    m_services.showPrinted = nullptr;
+}
+
+// The status line only shows: what went to the printer last, and the keys of the active screen.
+// Labels take no focus, so the keyboard never lands there.
+void MainWindow::buildStatusLine()
+{
+    m_printed = new QLabel(this);
+    m_printed->setObjectName(QStringLiteral("lastPrinted"));
+    m_keys = new QLabel(this);
+    m_keys->setText(Screen::menuKeys());
+    m_printed->setContentsMargins(4, 0, 12, 0);
+    statusBar()->addWidget(m_printed, 1);
+    statusBar()->addPermanentWidget(m_keys);
+    statusBar()->setSizeGripEnabled(false);
 }
 
 void MainWindow::buildMenus()
@@ -86,24 +110,45 @@ void MainWindow::showScreen(const QString &entryName, Screen *screen)
     window->setAttribute(Qt::WA_DeleteOnClose);
     window->setWindowTitle(screen->windowTitle());
     m_open.insert(entryName, window);
-    const QSize wanted = screen->size();
     window->show();
-    // A window as large as the screen asks to be, as far as the main window has room, each new
-    // one a step down and right of the last, and always wholly inside.
-    const QSize frame = window->size() - screen->size();
-    const QSize area = m_mdiArea->viewport()->size();
-    window->resize((wanted + frame).boundedTo(area));
-    const int step = 24 * int(m_mdiArea->subWindowList().size() - 1);
-    window->move(qMax(0, qMin(step, area.width() - window->width())), qMax(0, qMin(step, area.height() - window->height())));
+    fitWindow(window, 24 * int(m_mdiArea->subWindowList().size() - 1));
     m_mdiArea->setActiveSubWindow(window);
+}
+
+// A screen of lists takes the whole area; a short form keeps the size it asks for, STEP pixels
+// down and right, as far as there is room. Either way the window lies wholly inside the area.
+void MainWindow::fitWindow(QMdiSubWindow *window, int step)
+{
+    const auto *screen = static_cast<Screen *>(window->widget());
+    const QSize area = m_mdiArea->viewport()->size();
+    if (screen->fillsArea()) {
+        window->setGeometry(QRect(QPoint(0, 0), area));
+        return;
+    }
+    const QSize frame = window->size() - screen->size();
+    window->resize((screen->sizeHint() + frame).boundedTo(area));
+    window->move(qMax(0, qMin(step, area.width() - window->width())), qMax(0, qMin(step, area.height() - window->height())));
+}
+
+bool MainWindow::eventFilter(QObject *watched, QEvent *event)
+{
+    if (watched == m_mdiArea->viewport() && event->type() == QEvent::Resize) {
+        for (QMdiSubWindow *window : m_mdiArea->subWindowList())
+            if (!window->isMaximized() && !window->isMinimized())
+                fitWindow(window, window->x());
+    }
+    return QMainWindow::eventFilter(watched, event);
 }
 
 void MainWindow::subWindowActivated(QMdiSubWindow *window)
 {
+    if (!window && m_mdiArea->subWindowList().isEmpty())
+        m_keys->setText(Screen::menuKeys());
     if (!window || window == m_lastActive)
         return;
     m_lastActive = window;
     auto *screen = static_cast<Screen *>(window->widget());
+    m_keys->setText(screen->keysHint());
     screen->guard([screen] { screen->activated(); });
 }
 

@@ -4,6 +4,7 @@
 #include <QMainWindow>
 #include <QPointer>
 
+class QLabel;
 class QMdiArea;
 class QMdiSubWindow;
 
@@ -29,12 +30,19 @@ public:
     Screen *screen(const QString &entryName) const;
     QMdiArea *mdiArea() const { return m_mdiArea; }
 
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
 private:
     void buildMenus();
+    void buildStatusLine();
+    void fitWindow(QMdiSubWindow *window, int step);
     void subWindowActivated(QMdiSubWindow *window);
 
     Services &m_services;
     QMdiArea *m_mdiArea;
+    QLabel *m_printed = nullptr;
+    QLabel *m_keys = nullptr;
     QHash<QString, QPointer<QMdiSubWindow>> m_open;
     // The screen whose activation ran last. A message box closing, or the program's window
     // regaining focus, re-activates the same child: that is not a new activation.

@@ -49,12 +49,14 @@ void setWidthInCharacters(QLineEdit *field, int chars)
     field->setFixedWidth(field->fontMetrics().horizontalAdvance(QLatin1Char('M')) * chars + 12);
 }
 
-InvoiceScreen::InvoiceScreen(Services &services, const Wording &wording, QWidget *parent) : Screen(services, wording.caption, parent)
+InvoiceScreen::InvoiceScreen(Services &services, const Wording &wording, QWidget *parent)
+    : Screen(services, wording.caption, parent), m_documentName(wording.documentName)
 {
     buildFields(wording);
     buildButtonsAndLists(wording);
     connectShared();
-    resize(1240, 660);
+    alignNumbers({m_qty, m_rate, m_amount, m_total});
+    setKeysHint(QStringLiteral("C/D starts \u00b7 Down, Enter takes a row \u00b7 F9 adds \u00b7 Alt+E settles \u00b7 Alt+P prints \u00b7 Alt+C closes"));
 }
 
 void InvoiceScreen::buildFields(const Wording &wording)
@@ -107,6 +109,12 @@ void InvoiceScreen::buildFields(const Wording &wording)
     m_totalsRow = newRow(layout);
     m_total = makeField(QStringLiteral("Total Amount"));
     addPair(m_totalsRow, QStringLiteral("Total Amount"), m_total, 11);
+    m_totalsRow->addStretch();
+}
+
+void InvoiceScreen::addToTotals(QWidget *widget)
+{
+    m_totalsRow->insertWidget(m_totalsRow->count() - 1, widget);
 }
 
 void InvoiceScreen::buildButtonsAndLists(const Wording &wording)
@@ -245,7 +253,7 @@ void InvoiceScreen::printDocument(const QString &numberLine, int ruleWidth)
         lines << padRight(m_lines->text(row, 0), 15) + spaces(1) + padRight(m_lines->text(row, 1), 3) + spaces(1)
                      + padRight(m_lines->text(row, 2), 4) + spaces(2) + padRight(m_lines->text(row, 3), 7);
     lines << dashes << spaces(8) + "Total Amount" + spaces(6) + m_total->text() << rule;
-    LinePrinter(services().programDirectory).print(lines);
+    printLines(m_documentName + " " + m_number->text(), lines);
 }
 
 } // namespace vantrel

@@ -27,6 +27,7 @@ public:
         QString itemCodeLabel;   // "item code"
         QString productGridName; // "product/stock grid"
         QString partyGridName;   // "party list"
+        QString documentName;    // "Sales invoice", as the status line names a printed one
     };
 
     InvoiceScreen(Services &services, const Wording &wording, QWidget *parent = nullptr);
@@ -55,6 +56,8 @@ protected:
     // The document as the screen shows it: the fields and the first four columns of the lines
     // grid, under rules of RULEWIDTH characters; NUMBERLINE carries number and date.
     void printDocument(const QString &numberLine, int ruleWidth);
+    // Puts WIDGET on the totals' row, after what is there.
+    void addToTotals(QWidget *widget);
 
     QLineEdit *m_mode;
     FieldEvents *m_modeEvents;
@@ -69,7 +72,6 @@ protected:
     QLineEdit *m_rate;
     QLineEdit *m_amount;
     QLineEdit *m_total;
-    QHBoxLayout *m_totalsRow;
     Grid *m_lines;
     QFrame *m_productPanel;
     Grid *m_products;
@@ -89,6 +91,9 @@ private:
     void buildFields(const Wording &wording);
     void buildButtonsAndLists(const Wording &wording);
     void connectShared();
+
+    QHBoxLayout *m_totalsRow;
+    QString m_documentName;
 };
 
 // Gives a field a width for about CHARS characters.

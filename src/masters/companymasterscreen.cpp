@@ -34,7 +34,8 @@ CompanyMasterScreen::CompanyMasterScreen(Services &services, QWidget *parent)
 
     on(save, &QPushButton::clicked, &CompanyMasterScreen::saveClicked);
     upperCaseTyping();
-    resize(520, 260);
+    keepNaturalSize();
+    setKeysHint(QStringLiteral("Tab to a button, Enter presses it"));
 }
 
 // The code must be unused; the name may repeat.

@@ -77,7 +77,8 @@ PartyMasterScreen::PartyMasterScreen(Services &services, QWidget *parent)
     on(remove, &QPushButton::clicked, &PartyMasterScreen::deleteClicked);
     on(cancel, &QPushButton::clicked, &PartyMasterScreen::cancelClicked);
     upperCaseTyping();
-    resize(860, 480);
+    setKeysHint(QStringLiteral("Down, Enter takes a row \u00b7 Alt+S saves \u00b7 Alt+U updates \u00b7 Alt+D deletes \u00b7 "
+                               "Alt+N cancels \u00b7 Alt+C closes"));
 }
 
 void PartyMasterScreen::activated()

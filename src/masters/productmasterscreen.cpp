@@ -54,6 +54,10 @@ ProductMasterScreen::ProductMasterScreen(Services &services, QWidget *parent)
     panel->addRow(QStringLiteral("search"), m_search);
     m_companies = makeGrid(QStringLiteral("company list"), m_companyPanel);
     panel->addRow(m_companies);
+    // Its room is kept while it is hidden, so the fields do not move when it shows.
+    QSizePolicy keepRoom = m_companyPanel->sizePolicy();
+    keepRoom.setRetainSizeWhenHidden(true);
+    m_companyPanel->setSizePolicy(keepRoom);
     m_companyPanel->hide();
     layout->addWidget(m_companyPanel, 1);
 
@@ -72,7 +76,9 @@ ProductMasterScreen::ProductMasterScreen(Services &services, QWidget *parent)
     on(m_update, &QPushButton::clicked, &ProductMasterScreen::updateClicked);
     on(m_cancel, &QPushButton::clicked, &ProductMasterScreen::cancelClicked);
     upperCaseTyping();
-    resize(900, 460);
+    alignNumbers({m_mrp, m_wholesaleRate, m_salesRate});
+    setKeysHint(QStringLiteral("Alt+A adds \u00b7 Down, Enter takes a row \u00b7 Alt+S saves \u00b7 Alt+U updates \u00b7 Alt+N cancels \u00b7 "
+                               "Alt+C closes"));
 }
 
 void ProductMasterScreen::activated()

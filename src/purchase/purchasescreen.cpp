@@ -27,7 +27,7 @@ bool typesInGrid(int key)
 } // namespace
 
 PurchaseScreen::PurchaseScreen(Services &services, QWidget *parent)
-    : InvoiceScreen(services, {"Purchase", "Purchse Order No :", "Item code", "product stock grid", "party grid"}, parent)
+    : InvoiceScreen(services, {"Purchase", "Purchse Order No :", "Item code", "product stock grid", "party grid", "Purchase order"}, parent)
 {
     on(m_modeEvents, &FieldEvents::keyReleased, &PurchaseScreen::modeKeyReleased);
     on(new FieldEvents(m_number), &FieldEvents::keyPressed, &PurchaseScreen::voucherNumberKeyPressed);

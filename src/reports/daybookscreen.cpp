@@ -38,7 +38,8 @@ DayBookScreen::DayBookScreen(Services &services, const Kind &kind, QWidget *pare
     bottom->addStretch();
     bottom->addWidget(makeCloseButton(QStringLiteral("&Close")));
     layout->addLayout(bottom);
-    resize(900, 480);
+    alignNumbers({m_total});
+    setKeysHint(QStringLiteral("Alt+C closes"));
 }
 
 void DayBookScreen::activated()

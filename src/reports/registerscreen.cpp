@@ -69,7 +69,8 @@ RegisterScreen::RegisterScreen(Services &services, const Kind &kind, const QStri
     on(m_show, &QPushButton::clicked, &RegisterScreen::showClicked);
     on(m_register, &Grid::clicked, &RegisterScreen::registerClicked);
     on(print, &QPushButton::clicked, &RegisterScreen::printClicked);
-    resize(820, 560);
+    alignNumbers({m_total});
+    setKeysHint(QStringLiteral("Alt+S shows \u00b7 click a number: that document in its screen"));
 }
 
 void RegisterScreen::activated()
@@ -127,7 +128,7 @@ void RegisterScreen::printClicked()
                      + padRight(m_register->text(row, 3), 15) + spaces(1) + padRight(m_register->text(row, 4), 1) + spaces(1)
                      + padLeft(m_register->text(row, 5), 7);
     lines << dashes << "Total (Rs.)" + spaces(28) + m_total->text() << rule;
-    LinePrinter(services().programDirectory).print(lines);
+    printLines(m_kind.title + " " + m_from->text() + " to " + m_to->text(), lines);
 }
 
 } // namespace vantrel

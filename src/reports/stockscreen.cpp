@@ -57,7 +57,8 @@ StockScreen::StockScreen(Services &services, QWidget *parent) : Screen(services,
     on(itemCode, &FieldEvents::clicked, &StockScreen::itemCodeFieldClicked);
     downEntersList(itemCode, m_itemCodes);
     upperCaseTyping();
-    resize(640, 480);
+    alignNumbers({m_rate, m_total, m_used, m_available});
+    setKeysHint(QStringLiteral("Down, Enter takes a row \u00b7 Alt+C closes"));
 }
 
 void StockScreen::activated()

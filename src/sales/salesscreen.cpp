@@ -18,25 +18,26 @@
 namespace vantrel {
 
 SalesScreen::SalesScreen(Services &services, QWidget *parent)
-    : InvoiceScreen(services, {"Sales", "Invoice No :", "item code", "product/stock grid", "party list"}, parent)
+    : InvoiceScreen(services, {"Sales", "Invoice No :", "item code", "product/stock grid", "party list", "Sales invoice"}, parent)
 {
     // The discount beside the total: percent, then the amount, which has no label of its own.
     m_discountPercent = makeField(QStringLiteral("discount percent"));
     m_discountAmount = makeField(QStringLiteral("discount amount"));
     m_grandTotal = makeField(QStringLiteral("GRAND TOTAL"));
-    m_totalsRow->addWidget(new QLabel(QStringLiteral("Discount"), this));
-    m_totalsRow->addWidget(m_discountPercent);
-    m_totalsRow->addWidget(new QLabel(QStringLiteral("%"), this));
-    m_totalsRow->addWidget(m_discountAmount);
-    m_totalsRow->addSpacing(12);
+    auto *discount = new QLabel(QStringLiteral("Discount"), this);
+    discount->setBuddy(m_discountPercent);
     auto *grandTotal = new QLabel(QStringLiteral("GRAND TOTAL"), this);
     grandTotal->setBuddy(m_grandTotal);
-    m_totalsRow->addWidget(grandTotal);
-    m_totalsRow->addWidget(m_grandTotal);
-    m_totalsRow->addStretch();
+    addToTotals(discount);
+    addToTotals(m_discountPercent);
+    addToTotals(new QLabel(QStringLiteral("%"), this));
+    addToTotals(m_discountAmount);
+    addToTotals(grandTotal);
+    addToTotals(m_grandTotal);
     setWidthInCharacters(m_discountPercent, 5);
     setWidthInCharacters(m_discountAmount, 11);
     setWidthInCharacters(m_grandTotal, 11);
+    alignNumbers({m_discountPercent, m_discountAmount, m_grandTotal});
     setTabOrder(m_total, m_discountPercent);
     setTabOrder(m_discountPercent, m_discountAmount);
     setTabOrder(m_discountAmount, m_grandTotal);

@@ -14,7 +14,7 @@ Grid::Grid(const QString &accessibleName, QWidget *parent) : QTableView(parent),
     setModel(m_model);
     setEditTriggers(QAbstractItemView::NoEditTriggers);
     setSelectionMode(QAbstractItemView::SingleSelection);
-    setSelectionBehavior(QAbstractItemView::SelectItems);
+    showWhereTheKeyboardIs();
     setTabKeyNavigation(false);
     verticalHeader()->setDefaultSectionSize(fontMetrics().height() + 6);
     horizontalHeader()->setSectionsClickable(true);
@@ -25,6 +25,20 @@ Grid::Grid(const QString &accessibleName, QWidget *parent) : QTableView(parent),
         emit chosen();
     });
     connect(m_model, &GridModel::readFailed, this, &Grid::readFailed);
+}
+
+// The operator must see where Enter will go: a grid with the keyboard has a frame in the
+// highlight colour and its current row in the highlight; without the keyboard the frame is plain
+// and the current row a pale grey. The current cell is the model's, whatever row is painted.
+void Grid::showWhereTheKeyboardIs()
+{
+    setSelectionBehavior(QAbstractItemView::SelectRows);
+    QPalette colours = palette();
+    colours.setColor(QPalette::Inactive, QPalette::Highlight, colours.color(QPalette::Active, QPalette::Midlight));
+    colours.setColor(QPalette::Inactive, QPalette::HighlightedText, colours.color(QPalette::Active, QPalette::Text));
+    setPalette(colours);
+    setStyleSheet(QStringLiteral("QTableView { border: 1px solid palette(mid); }"
+                                 "QTableView:focus { border: 2px solid palette(highlight); }"));
 }
 
 void Grid::setFixedFirstColumn(bool fixed)

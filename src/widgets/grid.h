@@ -13,7 +13,8 @@ class GridModel;
 // the two ways to choose (chosen()); every other key pressed in it is reported (keyPressed()).
 // A key is reported before the grid acts on it, so a handler sees the cell that was current
 // when the key went down; typed letters never move the current row (no search by typing).
-// Numbers show as the system writes them. Widths are in twips, 15 to a pixel at 96 dpi.
+// Numbers show as the system writes them, on the right of columns of numbers. Widths are in
+// twips, 15 to a pixel at 96 dpi.
 class Grid final : public QTableView {
     Q_OBJECT
 public:
@@ -65,6 +66,7 @@ protected:
     void currentChanged(const QModelIndex &current, const QModelIndex &previous) override;
 
 private:
+    void showWhereTheKeyboardIs();
     void headingClicked(int section);
     void afterBind();
     void applyWidths();

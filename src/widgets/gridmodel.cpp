@@ -4,6 +4,7 @@
 #include "data/unhandlederror.h"
 
 #include <QSqlError>
+#include <QSqlField>
 #include <QSqlRecord>
 
 namespace vantrel {
@@ -11,6 +12,21 @@ namespace vantrel {
 namespace {
 const int Screenful = 100;
 const int IdleChunk = 2000;
+
+// A column the engine declares, or computes, as a number.
+bool isNumberType(QMetaType type)
+{
+    switch (type.id()) {
+    case QMetaType::Int:
+    case QMetaType::UInt:
+    case QMetaType::LongLong:
+    case QMetaType::ULongLong:
+    case QMetaType::Double:
+        return true;
+    default:
+        return false;
+    }
+}
 } // namespace
 
 GridModel::GridModel(QObject *parent) : QAbstractTableModel(parent)
@@ -48,9 +64,12 @@ bool GridModel::bind(Database &db, const QString &sql, BindMode mode)
     m_sql = sql;
     m_query = std::move(query);
     m_headings.clear();
+    m_numeric.clear();
     const QSqlRecord record = m_query.record();
-    for (int i = 0; i < record.count(); ++i)
+    for (int i = 0; i < record.count(); ++i) {
         m_headings << record.fieldName(i);
+        m_numeric << isNumberType(record.field(i).metaType());
+    }
     m_rows.clear();
     if (hasRow) {
         m_rows.append(currentRow());
@@ -91,6 +110,7 @@ void GridModel::clear()
     stopReading();
     m_sql.clear();
     m_headings.clear();
+    m_numeric.clear();
     m_rows.clear();
     endResetModel();
 }
@@ -187,9 +207,11 @@ int GridModel::columnCount(const QModelIndex &parent) const
 
 QVariant GridModel::data(const QModelIndex &index, int role) const
 {
+    const int column = index.column() - (m_leading ? 1 : 0);
+    if (role == Qt::TextAlignmentRole && column >= 0 && column < m_numeric.size())
+        return QVariant::fromValue(Qt::AlignVCenter | (m_numeric[column] ? Qt::AlignRight : Qt::AlignLeft));
     if (role != Qt::DisplayRole && role != Qt::AccessibleTextRole)
         return {};
-    const int column = index.column() - (m_leading ? 1 : 0);
     if (column < 0 || index.row() >= m_rows.size() || column >= m_rows[index.row()].size())
         return {};
     return m_rows[index.row()][column];

@@ -63,6 +63,7 @@ private:
     bool m_reading = false;
     bool m_leading = false;
     QStringList m_headings;
+    QVector<bool> m_numeric; // per query column: the engine gives numbers there
     QVector<QStringList> m_rows;
     QTimer m_idleFetch;
 };

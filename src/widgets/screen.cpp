@@ -3,6 +3,7 @@
 #include "data/unhandlederror.h"
 #include "droppanel.h"
 #include "grid.h"
+#include "lineprinter.h"
 #include "uppercasefilter.h"
 
 #include <QFormLayout>
@@ -38,6 +39,29 @@ void Screen::showEvent(QShowEvent *event)
         button->setAutoDefault(true);
 }
 
+QString Screen::menuKeys()
+{
+    return QStringLiteral("F10 menu \u00b7 Ctrl+Tab next screen");
+}
+
+void Screen::setKeysHint(const QString &ownKeys)
+{
+    m_keysHint = ownKeys + QStringLiteral(" \u00b7 ") + menuKeys();
+}
+
+void Screen::printLines(const QString &document, const QStringList &lines)
+{
+    LinePrinter(m_services.programDirectory).print(lines);
+    if (m_services.showPrinted)
+        m_services.showPrinted(QStringLiteral("Printed %1: %2 lines").arg(document).arg(lines.size()));
+}
+
+void Screen::alignNumbers(std::initializer_list<QLineEdit *> fields)
+{
+    for (QLineEdit *field : fields)
+        field->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+}
+
 void Screen::closeScreen()
 {
     if (auto *window = qobject_cast<QMdiSubWindow *>(parentWidget()))
@@ -63,6 +87,8 @@ void Screen::searchParties(QLineEdit *field, Grid *list)
 QLineEdit *Screen::addField(QFormLayout *form, const QString &label, const QString &objectName)
 {
     QLineEdit *field = makeField(label, objectName);
+    // A form's fields stop growing at about forty characters, however wide the window.
+    field->setMaximumWidth(field->fontMetrics().horizontalAdvance(QLatin1Char('M')) * 40);
     auto *caption = new QLabel(label, this);
     caption->setBuddy(field);
     form->addRow(caption, field);

@@ -33,6 +33,14 @@ public:
 
     Services &services() const { return m_services; }
 
+    // Whether the screen's window takes the main window's whole area (a screen of lists and
+    // grids), or keeps the size its fields ask for (a short form).
+    bool fillsArea() const { return m_fillsArea; }
+    // The keys of this screen, for the status line.
+    QString keysHint() const { return m_keysHint; }
+    // The keys that work on every screen.
+    static QString menuKeys();
+
 protected:
     Database &db() const { return m_services.db; }
     Dialogs &dialogs() const { return m_services.dialogs; }
@@ -60,6 +68,14 @@ protected:
     // A grid named by its role, inside PARENT (the screen itself when null); rows it fails to
     // read later go to the unhandled-error handler.
     Grid *makeGrid(const QString &accessibleName, QWidget *parent = nullptr);
+    // Sends LINES to the line printer and tells the operator which DOCUMENT went there and how
+    // many lines it took. Throws UnhandledError when the printer file cannot be written.
+    void printLines(const QString &document, const QStringList &lines);
+    void keepNaturalSize() { m_fillsArea = false; }
+    // The screen's own keys, before the ones every screen has.
+    void setKeysHint(const QString &ownKeys);
+    // Numbers line up on the right in these fields (their texts are as the system writes them).
+    static void alignNumbers(std::initializer_list<QLineEdit *> fields);
     // The close button: unloads the screen.
     QPushButton *makeCloseButton(const QString &caption, const QString &objectName = {});
     // Every character typed anywhere on the screen reaches its field in upper case.
@@ -70,6 +86,8 @@ protected:
 
 private:
     Services &m_services;
+    bool m_fillsArea = true;
+    QString m_keysHint = menuKeys();
 };
 
 } // namespace vantrel

@@ -24,6 +24,8 @@ struct Services {
     // The open screen of a menu entry ("sale"), or null; set by the main window while it lives.
     // The one direct hand-off between screens (a register's click) goes through it.
     std::function<Screen *(const QString &entryName)> openScreen;
+    // Tells the operator what went to the printer (the status line); set by the main window.
+    std::function<void(const QString &text)> showPrinted;
 };
 
 } // namespace vantrel

@@ -24,7 +24,7 @@ TestShop::TestShop() : m_dir(QDir::tempPath() + QStringLiteral("/vantrel shop-XX
     createDatabaseFile(m_dir.path() + QStringLiteral("/vantrel.accdb"));
     m_db = std::make_unique<Database>(buildConnectionString(m_dir.path()));
     m_services.reset(new Services{*m_db, dialogs, clock, m_dir.path(),
-                                  [this](const QString &message) { unhandledErrors << message; }, {}});
+                                  [this](const QString &message) { unhandledErrors << message; }, {}, {}});
 }
 
 TestShop::~TestShop() = default;

@@ -3,6 +3,7 @@
 #include "widgets/grid.h"
 
 #include <QHeaderView>
+#include <QLabel>
 
 namespace vantrel::test {
 
@@ -65,6 +66,11 @@ void clickCell(Grid *grid, int row, int col)
     }
     const QRect cell = grid->visualRect(grid->model()->index(row - 1, col));
     QTest::mouseClick(grid->viewport(), Qt::LeftButton, {}, cell.center());
+}
+
+QString lastPrinted(const QMainWindow &window)
+{
+    return window.findChild<QLabel *>(QStringLiteral("lastPrinted"))->text();
 }
 
 } // namespace vantrel::test

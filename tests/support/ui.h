@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QLineEdit>
+#include <QMainWindow>
 #include <QPushButton>
 #include <QString>
 #include <QTest>
@@ -11,6 +12,9 @@ class Grid;
 }
 
 namespace vantrel::test {
+
+// What the main window's status line says was printed last.
+QString lastPrinted(const QMainWindow &window);
 
 // The widget under ROOT whose accessible name (its on-screen label) is NAME; fails the test
 // when there is none.

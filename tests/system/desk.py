@@ -21,6 +21,27 @@ WAIT = 10.0  # seconds a condition may take before the check fails
 _running = []  # the programs a case started; closed when it ends
 
 
+# The menu bar as the keyboard walks it: F10 opens "File", Right moves to the next menu, Down to
+# the next entry. Each entry: (menu, entry caption, caption of the screen it opens).
+MENUS = ["File", "Transaction", "Sales Report", "Purchase Report", "Stock"]
+ENTRIES = [
+    ("File", "Receipt", "Receipt"),
+    ("File", "Ledger", "Ledger"),
+    ("Transaction", "Sales", "Sales"),
+    ("Transaction", "Purchase", "Purchase"),
+    ("Transaction", "Product master", "Product Master"),
+    ("Transaction", "Party master", "Suppliermaster"),
+    ("Transaction", "Company Master", "Company Master"),
+    ("Sales Report", "Day Book", "Sales-Day Book"),
+    ("Sales Report", "DateWise Sales Report", "Sales Datewise Report"),
+    ("Sales Report", "Partywise sales Report", "Partywise Sales Report"),
+    ("Purchase Report", "Day Book", "Purchase Day Book"),
+    ("Purchase Report", "DateWise Purchase Report", "Purchase Datewise Report"),
+    ("Purchase Report", "Partywise Purchase Report", "Partywise Purchase Report"),
+    ("Stock", "Stock Summary", "Stock"),
+]
+
+
 class Failure(Exception):
     pass
 
@@ -50,12 +71,25 @@ def equal(actual, expected, what):
         raise Failure("%s: expected %r, got %r" % (what, expected, actual))
 
 
-def _walk(acc):
+def extents(acc):
+    """Where ACC lies on the X screen: (x, y, width, height)."""
+    box = acc.queryComponent().getExtents(pyatspi.DESKTOP_COORDS)
+    return (box.x, box.y, box.width, box.height)
+
+
+def inside(inner, outer):
+    """Whether the rectangle INNER lies wholly within OUTER."""
+    x, y, w, h = inner
+    ox, oy, ow, oh = outer
+    return ox <= x and oy <= y and x + w <= ox + ow and y + h <= oy + oh
+
+
+def walk(acc):
     yield acc
     for i in range(acc.childCount):
         child = acc.getChildAtIndex(i)
         if child is not None:
-            yield from _walk(child)
+            yield from walk(child)
 
 
 class Desktop:
@@ -120,6 +154,15 @@ class Program:
         subprocess.run(["xdotool", "key", "--delay", "120"] + list(names), check=True)
         time.sleep(0.15)
 
+    def choose_from_menu(self, entry, menu=None):
+        """Opens the menu entry ENTRY (of MENU, where two menus have one) with F10, arrows and
+        Enter, and returns the caption of the screen it opens."""
+        menu, caption = next((m, c) for m, e, c in ENTRIES if e == entry and menu in (None, m))
+        index = [e for m, e, c in ENTRIES if m == menu].index(entry)
+        self.keys("F10", *["Right"] * MENUS.index(menu))
+        self.keys(*["Down"] * index, "Return")
+        return caption
+
     def type(self, text):
         subprocess.run(["xdotool", "type", "--delay", "120", text], check=True)
         time.sleep(0.15)
@@ -128,7 +171,7 @@ class Program:
 
     def screen(self, caption):
         """The frame of the screen with CAPTION inside the main window, or None."""
-        for acc in _walk(self.app):
+        for acc in walk(self.app):
             if acc.name == caption and self._is_screen(acc):
                 return acc
         return None
@@ -140,7 +183,7 @@ class Program:
             and acc.parent.getRoleName() != "application"
 
     def widget(self, name, role, scope=None):
-        for acc in _walk(scope or self.app):
+        for acc in walk(scope or self.app):
             if acc.name == name and acc.getRoleName() == role:
                 return acc
         raise Failure("no %s named %r" % (role, name))
@@ -156,9 +199,21 @@ class Program:
         self.app.clear_cache()
         return self.widget(name, role, scope).getState().contains(pyatspi.STATE_SHOWING)
 
+    def screen_area(self):
+        """The main window's area for screens (the pane that holds them)."""
+        self.app.clear_cache()
+        window = next(acc for acc in walk(self.app) if acc.getRoleName() == "frame" and acc.parent.getRoleName() == "application")
+        return next(acc for acc in walk(window) if acc.getRoleName() == "layered pane")
+
+    def status_line(self):
+        """The text of the main window's status line."""
+        self.app.clear_cache()
+        bar = next(acc for acc in walk(self.app) if acc.getRoleName() == "status bar")
+        return " | ".join(acc.name for acc in walk(bar) if acc.getRoleName() == "label" and acc.name)
+
     def focused(self):
         self.app.clear_cache()  # states are cached and not every change is announced
-        for acc in _walk(self.app):
+        for acc in walk(self.app):
             # A grid's current cell reads as focused whether or not the grid has the keyboard.
             if acc.getState().contains(pyatspi.STATE_FOCUSED) and acc.getRoleName() not in ("frame", "table cell"):
                 return acc
@@ -183,7 +238,7 @@ class Program:
                 continue
             if not window.getState().contains(pyatspi.STATE_SHOWING):
                 continue
-            for acc in _walk(window):
+            for acc in walk(window):
                 if acc.getRoleName() == "label" and acc.name:
                     return acc.name
         return None
@@ -210,6 +265,18 @@ class Program:
         if folder:
             os.makedirs(folder, exist_ok=True)
             subprocess.run("xwd -root -silent | convert xwd:- '%s/%s.png'" % (folder, name), shell=True)
+
+    def pixel(self, x, y):
+        """The colour the X server shows at (X, Y), as (red, green, blue)."""
+        dump = subprocess.run(["xwd", "-root", "-silent"], capture_output=True, check=True).stdout
+        # An XWD dump: a header of big-endian 32-bit fields, the colour map, then the pixels.
+        field = lambda i: int.from_bytes(dump[4 * i:4 * i + 4], "big")
+        header_size, byte_order, bits_per_pixel, bytes_per_line, ncolors = field(0), field(7), field(11), field(12), field(19)
+        size = bits_per_pixel // 8  # 24 or 32 bits, the red, green and blue bytes alike
+        check(size in (3, 4), "a true-colour screen, not %d bits a pixel" % bits_per_pixel)
+        at = header_size + 12 * ncolors + y * bytes_per_line + size * x
+        value = int.from_bytes(dump[at:at + size], "little" if byte_order == 0 else "big")
+        return ((value >> 16) & 0xff, (value >> 8) & 0xff, value & 0xff)
 
     def no_message_box(self, after):
         time.sleep(0.4)

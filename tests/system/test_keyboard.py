@@ -24,21 +24,6 @@ insert into salesmain(invoice,dat,party,trans,netamt) values
     ('4','11/2/2026','RAVI MEDICALS','C','25'), ('2','11/2/2026','RAVI MEDICALS','D','50');
 """
 
-# The menu bar as the keyboard walks it: F10 opens "File", Right moves to the next menu.
-MENUS = ["File", "Transaction", "Sales Report", "Purchase Report", "Stock"]
-ENTRIES = {
-    "Receipt": ("File", 0), "Ledger": ("File", 1),
-    "Sales": ("Transaction", 0), "Purchase": ("Transaction", 1), "Party master": ("Transaction", 3),
-    "Stock Summary": ("Stock", 0),
-}
-
-
-def choose_from_menu(p, entry):
-    menu, index = ENTRIES[entry]
-    p.keys("F10", *["Right"] * MENUS.index(menu))
-    p.keys(*["Down"] * index, "Return")
-
-
 def tab_to(p, name, key="Tab"):
     """Presses KEY until the keyboard is in the widget NAME (twenty times at most)."""
     for _ in range(20):
@@ -61,7 +46,7 @@ def a_credit_sale_keyed_from_the_menu_to_the_end(program_dir):
     p = program(program_dir)
     sales = p.sales
     # The Enter that picks "Sales" is released in the mode field: it starts nothing.
-    choose_from_menu(p, "Sales")
+    p.choose_from_menu("Sales")
     wait_for("the keyboard back in C/D", lambda: p.focused_name() == "C/D")
     p.no_message_box("the menu's Enter")
     equal(p.text("Invoice No :", sales), "", "number after the menu's Enter")
@@ -152,7 +137,7 @@ def changing_c_to_d(program_dir):
 
 def start_a_purchase(p):
     """Opens Purchase from the menu and types D; the menu's Enter itself starts nothing."""
-    choose_from_menu(p, "Purchase")
+    p.choose_from_menu("Purchase")
     purchase = wait_for("the Purchase screen", lambda: p.screen("Purchase"))
     wait_for("the keyboard in Purchase", lambda: p.focused_screen() == "Purchase" and p.focused_name() == "C/D")
     p.no_message_box("the menu's Enter")
@@ -184,7 +169,7 @@ def another_screen_opened_while_the_party_list_shows_stays(program_dir):
     wait_for("the keyboard in Party:", lambda: p.focused_name() == "Party:")
     p.type("r")
     wait_for("the party list", lambda: p.showing("party list", scope=sales))
-    choose_from_menu(p, "Purchase")
+    p.choose_from_menu("Purchase")
     wait_for("the keyboard in Purchase", lambda: p.focused_screen() == "Purchase")
     p.no_message_box("opening Purchase")
     equal(p.focused_screen(), "Purchase", "screen with the keyboard a moment later")
@@ -215,7 +200,7 @@ def a_bare_enter_on_the_cancel_question_deletes_nothing(program_dir):
 def pick_from_list(p, entry, caption, field, typed, list_name):
     """Opens the screen of menu ENTRY, types TYPED into FIELD and picks the first row of its list
     with Down and Enter. Returns the screen."""
-    choose_from_menu(p, entry)
+    p.choose_from_menu(entry)
     screen = wait_for("the screen " + caption, lambda: p.screen(caption))
     wait_for("the keyboard in " + caption, lambda: p.focused_screen() == caption)
     tab_to(p, field)

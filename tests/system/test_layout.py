@@ -1,0 +1,171 @@
+"""Every screen fits the main window at the screen size this run was given, Sales at start-up
+included: each button, field and grid of a screen lies within the area the main window gives the
+screens, with nothing behind a scroll bar, and the screens that show lists use the room there is.
+Labels sit beside their fields, no layout moves when a list opens, a grid with the keyboard looks
+different from one without, and the status line tells the keys and what was printed.
+
+Run once per size (tests/system/desktop PROGRAM_DIR test_layout.py 1024x768)."""
+
+import subprocess
+
+import pyatspi
+
+from desk import ENTRIES, Program, check, extents, inside, run, wait_for, walk
+
+SHOP = """
+insert into companymaster(companyname,cmpid) values('CIPLA LTD','CIP');
+insert into productmaster(cmpid,mfgname,psrno,prodname,model,rate,boxno) values
+    ('CIP','CIPLA LTD','1','PANADOL','8901','12.5','B1');
+insert into suppliermaster(ID,suppname) values ('1','RAM STORES');
+insert into salesmain(invoice,dat,party,trans,netamt) values ('4','11/2/2026','RAM STORES','C','25');
+insert into sales(cmpid,psrno,invoice,prodname,party,model,qty,rate,amount,trans,status) values
+    ('CIP','1','4','PANADOL','RAM STORES','8901','2','12.5','25','C','u');
+"""
+
+# The screens whose work is a list of documents, lines or rows: they grow with the window.
+LIST_SCREENS = {"Sales", "Purchase", "Product Master", "Sales-Day Book", "Sales Datewise Report",
+                "Partywise Sales Report", "Purchase Day Book", "Purchase Datewise Report",
+                "Partywise Purchase Report", "Stock", "Ledger", "Receipt"}
+CONTROLS = ("push button", "text", "table")
+
+
+def display_size():
+    out = subprocess.run(["xdotool", "getdisplaygeometry"], capture_output=True, text=True, check=True).stdout
+    width, height = out.split()
+    return "%sx%s" % (width, height)
+
+
+def showing(acc):
+    return acc.getState().contains(pyatspi.STATE_SHOWING)
+
+
+def misfits(p, caption):
+    """What does not fit on the screen CAPTION as it opened: the screen must lie wholly inside the
+    screens' area with no scroll bar around it, and so must every control it shows."""
+    screen = wait_for("the screen " + caption, lambda: p.screen(caption))
+    pane = p.screen_area()
+    area = extents(pane)
+    found = []
+    if any(acc.getRoleName() == "scroll bar" and showing(acc) for acc in walk(pane)):
+        found.append("scroll bars around the screens")
+    frame = extents(screen)
+    if not inside(frame, area):
+        found.append("the screen %s lies outside the area %s" % (frame, area))
+    for acc in walk(screen):
+        if acc.getRoleName() in CONTROLS and showing(acc) and not inside(extents(acc), frame):
+            found.append("%s %r at %s is cut off" % (acc.getRoleName(), acc.name, extents(acc)))
+    if caption in LIST_SCREENS and frame[2] * frame[3] < 0.9 * area[2] * area[3]:
+        found.append("uses %dx%d of the %dx%d there is" % (frame[2], frame[3], area[2], area[3]))
+    found += labels_apart(screen)
+    return ["%s: %s" % (caption, what) for what in found]
+
+
+def labels_apart(screen):
+    """Each field whose label bears its name must have that label just left of it, on its line.
+    A label may be wider than its text: its text ends about ten pixels a character from its left."""
+    shown = [acc for acc in walk(screen) if showing(acc)]
+    labels = {acc.name: extents(acc) for acc in shown if acc.getRoleName() == "label"}
+    found = []
+    for field in (acc for acc in shown if acc.getRoleName() == "text" and acc.name in labels):
+        lx, ly, lw, lh = labels[field.name]
+        fx, fy, fw, fh = extents(field)
+        gap = fx - (lx + min(lw, 10 * len(field.name)))
+        if not (0 <= gap <= 200 and abs((ly + lh / 2) - (fy + fh / 2)) <= 8):
+            found.append("the label %r at %s is not beside its field at %s" % (field.name, labels[field.name], (fx, fy, fw, fh)))
+    return found
+
+
+def every_screen_fits_when_it_opens(program_dir):
+    size = display_size()
+    p = Program(program_dir, SHOP)
+    found = misfits(p, "Sales")
+    p.screenshot("%s-start" % size)
+    for menu, entry, caption in ENTRIES:
+        if caption == "Sales":
+            continue
+        p.choose_from_menu(entry, menu)
+        wait_for("the keyboard in " + caption, lambda: p.focused_screen() == caption)
+        found += misfits(p, caption)
+        p.screenshot("%s-%s" % (size, caption.replace(" ", "-")))
+    check(not found, "at %s:\n  " % size + "\n  ".join(found))
+
+
+
+def fields_where(p, screen):
+    p.app.clear_cache()
+    return {acc.name: extents(acc) for acc in walk(screen) if acc.getRoleName() == "text" and showing(acc)}
+
+
+def no_field_moves_when_a_list_opens(program_dir):
+    p = Program(program_dir, SHOP)
+    sales = p.sales
+    products = p.screen(p.choose_from_menu("Product master"))
+    wait_for("the keyboard in Product Master", lambda: p.focused_screen() == "Product Master")
+    before = fields_where(p, products)
+    p.keys("alt+a")
+    wait_for("the company list", lambda: p.showing("company list", scope=products))
+    p.screenshot("%s-company-list" % display_size())
+    after = fields_where(p, products)
+    moved = [name for name in before if after.get(name) != before[name]]
+    check(not moved, "fields moved when the company list opened: %s" % moved)
+
+    p.choose_from_menu("Sales")
+    wait_for("the keyboard in Sales", lambda: p.focused_screen() == "Sales")
+    before = fields_where(p, sales)
+    p.type("dr")
+    wait_for("the party list", lambda: p.showing("party list", scope=sales))
+    after = fields_where(p, sales)
+    moved = [name for name in before if after.get(name) != before[name]]
+    check(not moved, "fields moved when the party list opened: %s" % moved)
+
+
+def a_grid_with_the_keyboard_looks_it(program_dir):
+    p = Program(program_dir, SHOP)
+    sales = p.sales
+    p.type("dr")
+    wait_for("the party list", lambda: p.showing("party list", scope=sales))
+    x, y, w, h = extents(p.widget("party list", "table", sales))
+    without = p.pixel(x, y + h // 2)
+    p.keys("Down")
+    wait_for("the keyboard in the party list", lambda: p.focused_name() == "party list")
+    with_keyboard = wait_for("the frame to change", lambda: p.pixel(x, y + h // 2) != without and p.pixel(x, y + h // 2), timeout=3)
+    check(with_keyboard != without, "the party list's frame looks the same with the keyboard and without")
+    p.screenshot("%s-party-list-with-the-keyboard" % display_size())
+    p.keys("Return")
+    wait_for("the party taken", lambda: p.text("Party:", sales) == "RAM STORES")
+
+
+def the_status_line_tells_the_keys_and_what_was_printed(program_dir):
+    p = Program(program_dir, SHOP)
+    sales = p.sales
+    check("F9 adds" in p.status_line(), "Sales' keys on the status line: %r" % p.status_line())
+    p.choose_from_menu("Stock Summary")
+    wait_for("the keyboard in Stock", lambda: p.focused_screen() == "Stock")
+    check("F9" not in p.status_line(), "Sales' keys stayed on the status line in Stock: %r" % p.status_line())
+    p.keys("ctrl+Tab")
+    wait_for("Ctrl+Tab back to Sales", lambda: p.focused_screen() == "Sales")
+    wait_for("Sales' keys again", lambda: "F9 adds" in p.status_line())
+
+    p.type("c")
+    wait_for("the next cash number", lambda: p.text("Invoice No :", sales) == "5")
+    p.keys("shift+Tab", "shift+Tab")
+    wait_for("the keyboard in the number", lambda: p.focused_name() == "Invoice No :")
+    p.keys("ctrl+a")
+    p.type("4")
+    p.keys("Return")
+    wait_for("invoice 4 shown", lambda: p.text("Total Amount", sales) == "25")
+    p.keys("alt+p")
+    printed = wait_for("the printer file", p.printed)
+    lines = printed.count("\r\n")
+    wait_for("the print told", lambda: "Printed Sales invoice 4: %d lines" % lines in p.status_line())
+    p.screenshot("%s-invoice-printed" % display_size())
+    p.no_message_box("printing")
+
+
+if __name__ == "__main__":
+    run([
+        every_screen_fits_when_it_opens,
+        no_field_moves_when_a_list_opens,
+        a_grid_with_the_keyboard_looks_it,
+        the_status_line_tells_the_keys_and_what_was_printed,
+    ])
