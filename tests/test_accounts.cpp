@@ -103,6 +103,7 @@ private slots:
         d.receive("RAM STORES", "CASH ACCOUNT", "600");
         QCOMPARE(d.shop.rows("select refno,balance from ledger where type='receipt' order by refno"), (Rows{{"1", "379.5"}, {"2", "220.5"}}));
         QCOMPARE(field(d.screen, "Total Amount")->text(), QStringLiteral("720.5"));
+        QCOMPARE(d.shop.rows("select refno,balance from ledger where type='payment' order by refno"), (Rows{{"1", ""}, {"2", ""}}));
     }
 
     void theListIsKeyedByTheReceivingAccount()

@@ -46,6 +46,30 @@ struct PurchaseDesk : test::Desk {
         type("Qty", qty);
         test::click(screen, "&Add");
     }
+    // Vouchers numbered 1 in both modes and a second credit one, a product without stock yet.
+    void fillTheShop()
+    {
+        shop.exec("insert into productmaster(cmpid,psrno,prodname,model,rate) values('CIP','3','ZINCOVIT','8903','40')");
+        shop.exec("insert into purchasemain(pono,dat,party,trans,netamt) values('1','11/20/2026','RAM DISTRIBUTORS','C','40'),"
+                  "('1','11/20/2026','RAM DISTRIBUTORS','D','95'),('2','11/21/2026','SHAH AGENCIES','D','50')");
+        shop.exec("insert into purchase(pono,prodname,party,qty,rate,amount,trans,status) values"
+                  "('1','PARACETAMOL 500 TABLETS','RAM DISTRIBUTORS','4','10','40','C','u'),('1','PANADOL','RAM DISTRIBUTORS','10','9.5','95','D','u'),"
+                  "('2','PANADOL','SHAH AGENCIES','10','5','50','D','u')");
+        shop.exec("insert into stock(cmpid,pono,psrno,prodname,model,totqty,usedqty,stk) values"
+                  "('CIP','1','1','PANADOL','8901','20','5','15'),('CIP','1','2','PARACETAMOL 500 TABLETS','8902','4','0','4')");
+    }
+    void reopen(const QString &mode, const QString &number)
+    {
+        field(screen, "C/D")->clear();
+        type("C/D", mode);
+        field(screen, "Purchse Order No :")->clear();
+        type("Purchse Order No :", number);
+        test::press(screen, "Purchse Order No :", Qt::Key_Return);
+    }
+    Rows headers() { return shop.rows("select pono,trans,netamt from purchasemain order by trans,pono"); }
+    Rows statuses() { return shop.rows("select pono,trans,prodname,status from purchase order by trans,pono,rowid"); }
+    Rows stock() { return shop.rows("select prodname,totqty,usedqty,stk from stock order by prodname"); }
+
     Rows lot(const QString &product = "PANADOL")
     {
         return shop.rows("select pono,party,totqty,rate,amt,usedqty,stk from stock where prodname='" + product + "'");
@@ -174,6 +198,54 @@ private slots:
         QCOMPARE(d.shop.rows("select count(*) from purchasemain"), Rows{{"0"}});
         QVERIFY(!test::button(d.screen, "C&ancel")->isEnabled());
         QVERIFY(d.text("Total Amount").isEmpty());
+    }
+
+    // Among other vouchers and other products' stock, each action on credit voucher 1 changes
+    // its own rows only.
+    void linesAndSettlingTouchOnlyTheirOwnVoucherAndProduct()
+    {
+        PurchaseDesk d;
+        d.fillTheShop();
+        d.reopen("D", "1");
+        QCOMPARE(d.text("Total Amount"), QStringLiteral("95"));
+        d.addLine("8903", "3", "40");
+        d.addLine("8901", "2", "10");
+        QCOMPARE(d.headers(), (Rows{{"1", "C", "40"}, {"1", "D", "235"}, {"2", "D", "50"}}));
+        QCOMPARE(d.stock(), (Rows{{"PANADOL", "22", "5", "17"}, {"PARACETAMOL 500 TABLETS", "4", "0", "4"}, {"ZINCOVIT", "3", "", "3"}}));
+        d.shop.dialogs.answers = {true};
+        test::click(d.screen, "&End Inventory");
+        QCOMPARE(d.statuses(), (Rows{{"1", "C", "PARACETAMOL 500 TABLETS", "u"}, {"1", "D", "PANADOL", "p"}, {"1", "D", "ZINCOVIT", "p"},
+                                     {"1", "D", "PANADOL", "p"}, {"2", "D", "PANADOL", "u"}}));
+    }
+
+    void cancelTakesOnlyItsOwnVoucherAndItsOwnProducts()
+    {
+        PurchaseDesk d;
+        d.fillTheShop();
+        d.reopen("D", "1");
+        d.shop.dialogs.answers = {true};
+        test::click(d.screen, "C&ancel");
+        QCOMPARE(d.headers(), (Rows{{"1", "C", "40"}, {"2", "D", "50"}}));
+        QCOMPARE(d.statuses(), (Rows{{"1", "C", "PARACETAMOL 500 TABLETS", "u"}, {"2", "D", "PANADOL", "u"}}));
+        QCOMPARE(d.stock(), (Rows{{"PANADOL", "10", "5", "5"}, {"PARACETAMOL 500 TABLETS", "4", "0", "4"}}));
+    }
+
+    // Escape in the party field hides its list; Escape in the number hides the product panel.
+    void escapeHidesTheLists()
+    {
+        PurchaseDesk d;
+        d.type("C/D", "C");
+        d.type("Party:", "RA");
+        QVERIFY(!d.grid("party grid")->isHidden());
+        test::press(d.screen, "Party:", Qt::Key_Escape);
+        QVERIFY(d.grid("party grid")->isHidden());
+        QCOMPARE(d.text("Party:"), QStringLiteral("RA"));
+
+        d.type("Product Name:", "PA");
+        QVERIFY(d.grid("product stock grid")->isVisible());
+        test::press(d.screen, "Purchse Order No :", Qt::Key_Escape);
+        QVERIFY(!d.grid("product stock grid")->isVisible());
+        QCOMPARE(d.text("Product Name:"), QStringLiteral("PA"));
     }
 
     void printWritesTheVoucherLayout()

@@ -224,6 +224,36 @@ private slots:
         QCOMPARE(gridRows(test::grid(purchases, "register grid"), 1), (Rows{{"8", "11/23/2026", "RAM", "D", "300"}}));
     }
 
+    // The purchase side reads the purchase headers only: the day book today's, the register its
+    // span's, the party-wise register one party's, each with its own total and printed title.
+    void thePurchaseReportsReadThePurchases()
+    {
+        RegisterDesk d;
+        d.shop.exec("insert into purchasemain(pono,dat,party,trans,netamt) values('9','11/22/2026','RAM','C','40'),"
+                    "('10','11/23/2026','RAMESH','C','60'),('11','12/2/2026','RAM','C','5')");
+        auto *book = d.open<DayBookScreen>("pdb");
+        QCOMPARE(gridRows(test::grid(book, "day book grid")), (Rows{{"10", "11/23/2026", "RAMESH", "C", "60"}, {"8", "11/23/2026", "RAM", "D", "300"}}));
+        QCOMPARE(field(book, "Total (Rs.)")->text(), QStringLiteral("360"));
+
+        auto *reg = d.open<RegisterScreen>("dtprpt");
+        setSpan(reg, "From", "To", QDate(2026, 11, 1), QDate(2026, 11, 30));
+        test::click(reg, "&Show");
+        QCOMPARE(gridRows(test::grid(reg, "register grid"), 1),
+                 (Rows{{"10", "11/23/2026", "RAMESH", "C", "60"}, {"8", "11/23/2026", "RAM", "D", "300"}, {"9", "11/22/2026", "RAM", "C", "40"}}));
+        QCOMPARE(field(reg, "Total (Rs.)")->text(), QStringLiteral("400"));
+        test::click(reg, "Print");
+        QCOMPARE(printed(d).split("\r\n").at(5), QStringLiteral("Datewise Purchase Register"));
+
+        auto *byParty = d.open<PartyRegisterScreen>("prpur");
+        setSpan(byParty, "From Date", "To Date", QDate(2026, 11, 1), QDate(2026, 11, 30));
+        field(byParty, "Party:")->setText("RAM");
+        test::click(byParty, "&Show");
+        QCOMPARE(gridRows(test::grid(byParty, "register grid"), 1), (Rows{{"8", "11/23/2026", "RAM", "D", "300"}, {"9", "11/22/2026", "RAM", "C", "40"}}));
+        QCOMPARE(field(byParty, "Total (Rs.)")->text(), QStringLiteral("340"));
+        test::click(byParty, "Print");
+        QCOMPARE(printed(d).split("\r\n").mid(5, 2), (QStringList{"Partywise Purchase Register", "Party: RAM"}));
+    }
+
     void stockShowsAProductsFigures()
     {
         test::Desk d;

@@ -60,6 +60,31 @@ struct SalesDesk {
         type("Qty", qty);
         click("&Add");
     }
+    // A shop that has been trading: invoice 1 in both modes, a second credit invoice for another
+    // party, a second product's stock, and receipts numbered like the payments.
+    void fillTheShop()
+    {
+        shop.exec("insert into salesmain(invoice,dat,party,trans,netamt) values('1','11/20/2026','RAM STORES','C','40'),"
+                  "('1','11/20/2026','RAM STORES','D','12.5'),('2','11/21/2026','RAVI MEDICALS','D','80')");
+        shop.exec("insert into sales(invoice,prodname,party,qty,rate,amount,trans,status) values"
+                  "('1','ZINCOVIT','RAM STORES','1','40','40','C','u'),('1','PANADOL','RAM STORES','1','12.5','12.5','D','u'),"
+                  "('2','ZINCOVIT','RAVI MEDICALS','2','40','80','D','u')");
+        shop.exec("insert into stock(cmpid,pono,psrno,prodname,model,totqty,usedqty,stk) values('CIP','3','3','ZINCOVIT','8903','10','3','7')");
+        shop.exec("insert into ledger(refno,ac,credit,type,balance) values(1,'OTHER','100','receipt','100'),(2,'OTHER','50','receipt','137.5')");
+        shop.exec("insert into ledger(refno,ac,debit,type,balance) values(1,'RAM STORES','12.5','payment','87.5')");
+    }
+    // Re-opens invoice NUMBER of MODE as the operator does: the mode key, the number, Enter.
+    void reopen(const QString &mode, const QString &number)
+    {
+        field(sales, "C/D")->clear();
+        type("C/D", mode);
+        field(sales, "Invoice No :")->clear();
+        type("Invoice No :", number);
+        press("Invoice No :", Qt::Key_Return);
+    }
+    Rows headers() { return shop.rows("select invoice,trans,netamt,dis,gd from salesmain order by trans,invoice"); }
+    Rows statuses() { return shop.rows("select invoice,trans,prodname,status from sales order by trans,invoice,rowid"); }
+
     Rows lines(const QString &invoice, const QString &mode = "D")
     {
         return shop.rows("select prodname,qty,rate,amount,status from sales where invoice='" + invoice + "' and trans='" + mode + "' order by rowid");
@@ -129,6 +154,125 @@ private slots:
         d.start("D", "RAV");
         d.addLine("8901", "4");
         QCOMPARE(d.shop.rows("select refno,debit,balance from ledger where type='payment'"), (Rows{{"1", "50", "30"}}));
+    }
+
+    // The balance is the size of the difference: receipts above payments give no negative.
+    void theBalanceIsNeverNegative()
+    {
+        SalesDesk d;
+        d.shop.exec("insert into ledger(refno,ac,credit,type) values(1,'OTHER','100','receipt')");
+        d.start("D", "RAV");
+        d.addLine("8901", "2");
+        QCOMPARE(d.shop.rows("select refno,debit,balance from ledger where type='payment'"), (Rows{{"1", "25", "75"}}));
+    }
+
+    // A register may hand over a mode in lower case: "d" is credit all the same.
+    void aLowerCaseDIsCreditToo()
+    {
+        SalesDesk d;
+        d.start("D", "RAM");
+        d.sales->takeDocument(QStringLiteral("1"), QStringLiteral("d"));
+        d.addLine("8901", "2");
+        QCOMPARE(d.shop.rows("select ac,debit,type from ledger"), (Rows{{"RAM STORES", "25", "payment"}}));
+        QCOMPARE(d.shop.rows("select invoice,trans from sales"), (Rows{{"1", "d"}}));
+    }
+
+    // The amount follows the quantity only; a rate typed afterwards leaves it as it was.
+    void editingTheRateLeavesTheAmount()
+    {
+        SalesDesk d;
+        d.start("C", "RAM");
+        d.type("item code", "8901");
+        d.press("item code", Qt::Key_Return);
+        d.type("Qty", "2");
+        QCOMPARE(d.text("Amount"), QStringLiteral("25"));
+        field(d.sales, "Rate")->clear();
+        d.type("Rate", "20");
+        QCOMPARE(d.text("Amount"), QStringLiteral("25"));
+        d.click("&Add");
+        QCOMPARE(d.lines("1", "C"), (Rows{{"PANADOL", "2", "20", "25", "u"}}));
+    }
+
+    // A key in C/D starts afresh: party, product, quantity, rate, amount and total empty.
+    void aKeyInTheModeClearsTheDocumentsFields()
+    {
+        SalesDesk d;
+        d.start("C", "RAM");
+        d.addLine("8901", "2");
+        d.type("Product Name:", "ZIN");
+        d.type("Qty", "3");
+        d.type("Rate", "9");
+        d.type("Amount", "27");
+        QCOMPARE(d.text("Total Amount"), QStringLiteral("25"));
+        field(d.sales, "C/D")->clear();
+        d.type("C/D", "D");
+        for (const char *label : {"Party:", "Product Name:", "Qty", "Rate", "Amount", "Total Amount"})
+            QVERIFY2(d.text(label).isEmpty(), label);
+        QCOMPARE(d.text("Invoice No :"), QStringLiteral("1"));
+    }
+
+    // The open invoice of a party that has lines but no header: the total shown is cleared.
+    void aPartysOpenInvoiceWithoutHeaderClearsTheTotal()
+    {
+        SalesDesk d;
+        d.shop.exec("insert into sales(invoice,prodname,party,qty,rate,amount,trans,status) values('7','PANADOL','RAVI MEDICALS','1','12.5','12.5','D','u')");
+        d.start("D", "RAM");
+        d.addLine("8901", "2");
+        QCOMPARE(d.text("Total Amount"), QStringLiteral("25"));
+        field(d.sales, "Party:")->clear();
+        d.type("Party:", "RAV");
+        d.grid("party list")->setFocus();
+        QTest::keyClick(d.grid("party list"), Qt::Key_Return);
+        QCOMPARE(d.text("Invoice No :"), QStringLiteral("7"));
+        QCOMPARE(d.text("Total Amount"), QString());
+    }
+
+    // In a shop with other invoices, each action on credit invoice 1 changes its own rows only.
+    void aLineADiscountAndTheSettlingTouchOnlyTheirOwnInvoice()
+    {
+        SalesDesk d;
+        d.fillTheShop();
+        d.reopen("D", "1");
+        QCOMPARE(d.text("Total Amount"), QStringLiteral("12.5"));
+        d.addLine("8901", "2");
+        QCOMPARE(d.headers(), (Rows{{"1", "C", "40", "", ""}, {"1", "D", "37.5", "", ""}, {"2", "D", "80", "", ""}}));
+        QCOMPARE(d.shop.rows("select prodname,stk,usedqty from stock order by prodname,pono"),
+                 (Rows{{"PANADOL", "8", "2"}, {"PANADOL", "8", "2"}, {"ZINCOVIT", "7", "3"}}));
+        QCOMPARE(d.shop.rows("select refno,type,debit,credit,balance from ledger order by type,refno"),
+                 (Rows{{"1", "payment", "12.5", "", "87.5"}, {"2", "payment", "25", "", "112.5"},
+                       {"1", "receipt", "", "100", "100"}, {"2", "receipt", "", "50", "137.5"}}));
+
+        d.type("discount percent", "10");
+        field(d.sales, "item code")->setFocus();
+        QCOMPARE(d.headers(), (Rows{{"1", "C", "40", "", ""}, {"1", "D", "37.5", "10", "33.75"}, {"2", "D", "80", "", ""}}));
+
+        d.shop.dialogs.answers = {true};
+        d.click("&End Inventory");
+        QCOMPARE(d.statuses(), (Rows{{"1", "C", "ZINCOVIT", "u"}, {"1", "D", "PANADOL", "p"}, {"1", "D", "PANADOL", "p"}, {"2", "D", "ZINCOVIT", "u"}}));
+    }
+
+    void cancelTakesOnlyItsOwnInvoiceAndItsOwnProducts()
+    {
+        SalesDesk d;
+        d.fillTheShop();
+        d.reopen("D", "1");
+        d.shop.dialogs.answers = {true};
+        d.click("C&ancel");
+        QCOMPARE(d.headers(), (Rows{{"1", "C", "40", "", ""}, {"2", "D", "80", "", ""}}));
+        QCOMPARE(d.statuses(), (Rows{{"1", "C", "ZINCOVIT", "u"}, {"2", "D", "ZINCOVIT", "u"}}));
+        QCOMPARE(d.shop.rows("select prodname,stk,usedqty from stock order by prodname,pono"),
+                 (Rows{{"PANADOL", "11", "-1"}, {"PANADOL", "11", "-1"}, {"ZINCOVIT", "7", "3"}}));
+    }
+
+    // A party's open invoice: of its own mode, not settled, not another party's.
+    void aPartysSettledInvoiceDoesNotComeBack()
+    {
+        SalesDesk d;
+        d.fillTheShop();
+        d.shop.exec("update sales set status='p' where invoice='1' and trans='D'");
+        d.start("D", "RAM");
+        QCOMPARE(d.text("Invoice No :"), QStringLiteral("3"));
+        QCOMPARE(d.grid("lines grid")->rows(), 1);
     }
 
     void cashAndCreditNumberSeparately()
@@ -281,6 +425,22 @@ private slots:
         QCOMPARE(d.grid("lines grid")->rows(), 2);
     }
 
+    // Settling empties the party, number, item code, totals and discounts, whatever they held.
+    void endInventoryClearsTheFiguresOfTheInvoice()
+    {
+        SalesDesk d;
+        d.start("D", "RAM");
+        d.addLine("8901", "4");
+        d.type("discount percent", "10");
+        field(d.sales, "item code")->setFocus(); // leaving the percent applies it
+        d.type("item code", "89");
+        QCOMPARE(d.text("GRAND TOTAL"), QStringLiteral("45"));
+        d.shop.dialogs.answers = {true};
+        d.click("&End Inventory");
+        for (const char *label : {"Party:", "Invoice No :", "item code", "Total Amount", "GRAND TOTAL", "discount percent", "discount amount"})
+            QVERIFY2(d.text(label).isEmpty(), label);
+    }
+
     void choosingAPartyBringsBackItsOpenInvoiceOfTheMode()
     {
         SalesDesk d;
@@ -324,6 +484,8 @@ private slots:
         QCOMPARE(d.shop.rows("select stk,usedqty from stock"), (Rows{{"0", "10"}}));
         // Give the stock figures the cancel starts from: the walk adds each line's quantity back.
         d.shop.exec("update stock set stk='5',usedqty='5'");
+        d.type("item code", "8903");
+        d.type("Amount", "40");
         d.shop.dialogs.shown.clear();
         d.shop.dialogs.answers = {true};
         d.click("C&ancel");
@@ -333,7 +495,9 @@ private slots:
         QCOMPARE(d.shop.rows("select count(*) from sales"), Rows{{"0"}});
         QCOMPARE(d.shop.rows("select count(*) from salesmain"), Rows{{"0"}});
         QVERIFY(!test::button(d.sales, "C&ancel")->isEnabled());
-        QVERIFY(d.text("Invoice No :").isEmpty());
+        QVERIFY(!test::button(d.sales, "&Print")->isEnabled());
+        for (const char *label : {"Invoice No :", "item code", "Amount", "Total Amount"})
+            QVERIFY2(d.text(label).isEmpty(), label);
         QCOMPARE(d.grid("lines grid")->rows(), 1);
     }
 
