@@ -322,17 +322,6 @@ private slots:
         QCOMPARE(d.text("Rate"), QStringLiteral("12500"));
         QVERIFY(products->parentWidget()->isHidden());
     }
-
-    void theScreenIsNamedForScreenReaders()
-    {
-        PurchaseDesk d;
-        for (const char *name : {"C/D", "Purchse Order No :", "Date :", "Party:", "Product Name:", "Item code", "cmpid", "psrno", "Qty",
-                                 "Rate", "Amount", "Total Amount"})
-            QVERIFY2(field(d.screen, name), name);
-        for (const char *name : {"lines grid", "product stock grid", "party grid"})
-            QVERIFY2(d.grid(name), name);
-        QCOMPARE(d.screen->findChild<QLineEdit *>("txtpono"), field(d.screen, "Purchse Order No :"));
-    }
 };
 
 VANTREL_TEST_MAIN(PurchaseTest)

@@ -656,18 +656,6 @@ private slots:
         QCOMPARE(d.shop.rows("select count(*) from sales"), Rows{{"1"}});
         QCOMPARE(d.shop.rows("select count(*) from salesmain"), Rows{{"1"}});
     }
-
-    void theScreenIsNamedForScreenReaders()
-    {
-        SalesDesk d;
-        for (const char *name : {"C/D", "Invoice No :", "Date :", "Party:", "Product Name:", "item code", "cmpid", "psrno", "Qty",
-                                 "Rate", "Amount", "Total Amount", "GRAND TOTAL", "discount percent", "discount amount"})
-            QVERIFY2(field(d.sales, name), name);
-        for (const char *name : {"lines grid", "product/stock grid", "party list"})
-            QVERIFY2(d.grid(name), name);
-        QCOMPARE(d.sales->findChild<QPushButton *>("cmdadd")->text(), QStringLiteral("&Add"));
-        QCOMPARE(d.sales->findChild<QPushButton *>("cmdclose")->toolTip(), QStringLiteral("Close this form"));
-    }
 };
 
 VANTREL_TEST_MAIN(SalesTest)

@@ -10,7 +10,12 @@
 #include "widgets/lineprinter.h"
 #include "widgets/screen.h"
 
+#include <QAbstractItemView>
+#include <QAbstractSpinBox>
+#include <QComboBox>
 #include <QDir>
+#include <QLabel>
+#include <QLineEdit>
 #include <QMdiArea>
 #include <QMdiSubWindow>
 #include <QMenuBar>
@@ -144,6 +149,32 @@ private slots:
         }
         QCOMPARE(p.screens().size(), screens.size());
         QVERIFY(p.shop.unhandledErrors.isEmpty());
+    }
+
+    // A screen reader names every field, list and date by what the operator sees: each control
+    // that takes the keyboard has a name, and a labelled one bears its label's text.
+    void everyControlOfEveryScreenIsNamed()
+    {
+        RunningProgram p;
+        for (QAction *entry : p.window().menuBar()->findChildren<QAction *>())
+            if (!entry->objectName().isEmpty() && !entry->menu())
+                entry->trigger();
+        QCOMPARE(p.screens().size(), 14);
+        for (QMdiSubWindow *window : p.screens()) {
+            const QWidget *screen = window->widget();
+            for (QWidget *control : screen->findChildren<QWidget *>()) {
+                const bool named = qobject_cast<QLineEdit *>(control) || qobject_cast<QAbstractItemView *>(control)
+                                   || qobject_cast<QAbstractSpinBox *>(control) || qobject_cast<QComboBox *>(control);
+                bool part = false; // the editor inside a date or a drop-down list is its own
+                for (QWidget *w = control->parentWidget(); w != screen; w = w->parentWidget())
+                    part = part || qobject_cast<QAbstractSpinBox *>(w) || qobject_cast<QComboBox *>(w);
+                if (named && !part && control->focusPolicy() != Qt::NoFocus)
+                    QVERIFY2(!control->accessibleName().isEmpty(), qPrintable(screen->windowTitle() + ": " + control->metaObject()->className()));
+            }
+            for (QLabel *label : screen->findChildren<QLabel *>())
+                if (label->buddy())
+                    QCOMPARE(label->buddy()->accessibleName(), label->text().remove(QLatin1Char('&')));
+        }
     }
 
     void closingAScreenUnloadsIt()

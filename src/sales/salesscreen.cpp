@@ -25,7 +25,6 @@ SalesScreen::SalesScreen(Services &services, QWidget *parent)
     m_discountAmount = makeField(QStringLiteral("discount amount"));
     m_grandTotal = makeField(QStringLiteral("GRAND TOTAL"));
     auto *discount = new QLabel(QStringLiteral("Discount"), this);
-    discount->setBuddy(m_discountPercent);
     auto *grandTotal = new QLabel(QStringLiteral("GRAND TOTAL"), this);
     grandTotal->setBuddy(m_grandTotal);
     addToTotals(discount);
