@@ -262,6 +262,7 @@ private slots:
         d.shop.exec("insert into productmaster(cmpid,psrno,prodname,model) values('CIP','2','ABCIXIMAB','222')");
         d.shop.exec("insert into productmaster(cmpid,psrno,prodname,model) values('CIP','3','ZINC','333')");
         d.shop.exec("insert into stock(cmpid,psrno,prodname,model,totqty,rate,stk) values('CIP','1','ABACAVIR','111','20','9.5','20')");
+        d.shop.exec("insert into stock(cmpid,psrno,prodname,model,totqty,rate,stk) values('CIP','3','ZINC','333','5','2','5')");
         auto *stock = d.open<StockScreen>("stksum");
         test::type(stock, "Product Name", "ab");
         QCOMPARE(field(stock, "Product Name")->text(), QStringLiteral("AB"));

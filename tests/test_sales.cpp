@@ -387,6 +387,12 @@ private slots:
         QCOMPARE(d.text("discount amount"), QStringLiteral("0"));
         QCOMPARE(d.text("GRAND TOTAL"), QStringLiteral("1234"));
         QCOMPARE(d.shop.rows("select dis,disamt,gd from salesmain"), (Rows{{"", "0", "1234"}}));
+
+        // The discount's figures keep every digit of double precision.
+        d.type("discount percent", "3.3333");
+        field(d.sales, "GRAND TOTAL")->setFocus();
+        QCOMPARE(d.text("discount amount"), QStringLiteral("41.132922"));
+        QCOMPARE(d.text("GRAND TOTAL"), QStringLiteral("1192.867078"));
     }
 
     void aDiscountBeforeAnyLineIsOnlyShown()
