@@ -10,6 +10,7 @@
 #include <QSqlError>
 #include <QSqlRecord>
 #include <sqlite3.h>
+#include <utility>
 
 namespace vantrel {
 
@@ -50,16 +51,19 @@ QString writeProbe(QSqlDatabase &db, sqlite3 *handle)
 Database::Database(const QString &connectionString)
     : m_connectionName(uniqueConnectionName()), m_fileName(dataSourceOf(connectionString))
 {
-    const QString failure = openConnection();
+    const QString failure = openConnection(m_connectionName, Writer);
     if (!failure.isEmpty()) {
         QSqlDatabase::removeDatabase(m_connectionName);
         throw UnhandledError(QStringLiteral("Cannot open the database file %1: %2").arg(m_fileName, failure));
     }
 }
 
-QString Database::openConnection()
+// The writer sets the file up: write-ahead log with a sync at every commit, so that a statement
+// that returned is on disk and a crash at any moment leaves the file whole. A reader only reads:
+// each holds one pending query, and its rows are the file as it was when that query began.
+QString Database::openConnection(const QString &name, Role role)
 {
-    QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), m_connectionName);
+    QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), name);
     db.setDatabaseName(fileUri(m_fileName));
     db.setConnectOptions(QStringLiteral("QSQLITE_OPEN_URI;QSQLITE_BUSY_TIMEOUT=5000"));
     if (!db.open())
@@ -68,9 +72,10 @@ QString Database::openConnection()
     QString failure;
     {
         QSqlQuery probe(db);
-        // Write-ahead log with a sync at every commit: a statement that returned is on disk, and
-        // a crash at any moment leaves the file whole.
-        for (const char *setup : {"select count(*) from sqlite_master", "pragma journal_mode=wal", "pragma synchronous=full"}) {
+        const QList<const char *> writer = {"select count(*) from sqlite_master", "pragma journal_mode=wal", "pragma synchronous=full",
+                                            "pragma cache_size=-16384"};
+        const QList<const char *> reader = {"select count(*) from sqlite_master", "pragma query_only=1", "pragma cache_size=-4096"};
+        for (const char *setup : role == Writer ? writer : reader) {
             if (!probe.exec(QLatin1String(setup))) {
                 failure = engineMessage(probe.lastError());
                 break;
@@ -81,7 +86,7 @@ QString Database::openConnection()
     const QVariant handle = db.driver()->handle();
     if (failure.isEmpty() && (qstrcmp(handle.typeName(), "sqlite3*") != 0 || !*static_cast<sqlite3 *const *>(handle.constData())))
         failure = QStringLiteral("the SQLite driver gave no handle");
-    if (failure.isEmpty())
+    if (failure.isEmpty() && role == Writer)
         failure = writeProbe(db, *static_cast<sqlite3 *const *>(handle.constData()));
     if (!failure.isEmpty()) {
         db.close();
@@ -93,24 +98,25 @@ QString Database::openConnection()
 
 Database::~Database()
 {
-    {
-        QSqlDatabase db = QSqlDatabase::database(m_connectionName, false);
-        db.close();
+    for (const QString &name : m_readers + QStringList{m_connectionName}) {
+        {
+            QSqlDatabase db = QSqlDatabase::database(name, false);
+            db.close();
+        }
+        QSqlDatabase::removeDatabase(name);
     }
-    QSqlDatabase::removeDatabase(m_connectionName);
 }
 
 void Database::execute(const QString &sql)
 {
-    finishPendingReads();
     QSqlQuery statement(QSqlDatabase::database(m_connectionName, false));
-    if (!statement.exec(engineText(sql)))
+    if (!statement.exec(sent(sql)))
         fail(statement);
 }
 
 Recordset Database::query(const QString &sql)
 {
-    QSqlQuery query = startQuery(sql);
+    QSqlQuery query = forwardQuery(m_connectionName, sql);
     QStringList names;
     const QSqlRecord record = query.record();
     for (int i = 0; i < record.count(); ++i)
@@ -128,32 +134,81 @@ Recordset Database::query(const QString &sql)
     return Recordset(std::move(names), std::move(rows));
 }
 
-QSqlQuery Database::startQuery(const QString &sql)
+QSqlQuery Database::forwardQuery(const QString &connection, const QString &sql)
 {
-    QSqlQuery query(QSqlDatabase::database(m_connectionName, false));
+    QSqlQuery query(QSqlDatabase::database(connection, false));
     query.setForwardOnly(true);
-    if (!query.exec(engineText(sql)))
+    if (!query.exec(sent(sql)))
         fail(query);
     return query;
 }
 
-void Database::addPendingReader(PendingReader *reader)
+PendingQuery Database::startQuery(const QString &sql)
 {
-    if (!m_pendingReaders.contains(reader))
-        m_pendingReaders.append(reader);
+    PendingQuery pending;
+    pending.m_db = this;
+    pending.m_connection = takeReader();
+    pending.m_query = forwardQuery(pending.m_connection, sql); // a failure gives the reader back
+    return pending;
 }
 
-void Database::removePendingReader(PendingReader *reader)
+QString Database::takeReader()
 {
-    m_pendingReaders.removeAll(reader);
+    if (!m_spareReaders.isEmpty())
+        return m_spareReaders.takeLast();
+    const QString name = m_connectionName + QStringLiteral("-reader-%1").arg(m_readers.size() + 1);
+    const QString failure = openConnection(name, Reader);
+    if (!failure.isEmpty()) {
+        QSqlDatabase::removeDatabase(name);
+        throw UnhandledError(failure);
+    }
+    m_readers << name;
+    return name;
 }
 
-void Database::finishPendingReads()
+void Database::giveBack(const QString &reader)
 {
-    const QVector<PendingReader *> readers = m_pendingReaders;
-    for (PendingReader *reader : readers)
-        reader->readToEnd();
-    m_pendingReaders.clear();
+    m_spareReaders << reader;
+}
+
+PendingQuery::PendingQuery(PendingQuery &&other) noexcept
+    : m_db(std::exchange(other.m_db, nullptr)), m_connection(std::move(other.m_connection)), m_query(std::move(other.m_query))
+{
+}
+
+PendingQuery &PendingQuery::operator=(PendingQuery &&other) noexcept
+{
+    if (this != &other) {
+        close();
+        m_db = std::exchange(other.m_db, nullptr);
+        m_connection = std::move(other.m_connection);
+        m_query = std::move(other.m_query);
+    }
+    return *this;
+}
+
+PendingQuery::~PendingQuery()
+{
+    close();
+}
+
+// The statement ends, which ends its reading of the file, before its connection is spare.
+// A moved-from query is empty and owns nothing.
+void PendingQuery::close()
+{
+    if (!m_db)
+        return;
+    m_query.finish();
+    m_query = QSqlQuery();
+    std::exchange(m_db, nullptr)->giveBack(m_connection);
+}
+
+QString Database::sent(const QString &sql) const
+{
+    QString text = engineText(sql);
+    if (m_observer)
+        m_observer(text);
+    return text;
 }
 
 void Database::fail(const QSqlQuery &query) const

@@ -7,18 +7,32 @@
 #include <QSqlQuery>
 #include <QString>
 #include <QVector>
+#include <functional>
 
 namespace vantrel {
 
-// A reader that keeps a statement open on the connection to fetch its rows a screenful at a
-// time (a grid). While such a statement is open, a write on the same connection would not be
-// committed, so the database asks every pending reader to read to its end before each write.
-class PendingReader {
-public:
-    virtual void readToEnd() = 0;
+class Database;
 
-protected:
-    ~PendingReader() = default;
+// A query whose rows are fetched a few at a time (a grid), on a connection of its own. Its rows
+// are the file as it was when the query started, whatever is written meanwhile, and no write
+// waits for it. Closing it (or destroying it) gives the connection back to the database, which
+// must outlive it.
+class PendingQuery {
+public:
+    PendingQuery() = default;
+    PendingQuery(PendingQuery &&other) noexcept;
+    PendingQuery &operator=(PendingQuery &&other) noexcept;
+    ~PendingQuery();
+
+    QSqlQuery &query() { return m_query; }
+    bool isOpen() const { return m_db != nullptr; }
+    void close();
+
+private:
+    friend class Database;
+    Database *m_db = nullptr;
+    QString m_connection;
+    QSqlQuery m_query;
 };
 
 // The one connection to the shop's database file, through which every statement runs.
@@ -40,11 +54,13 @@ public:
     void execute(const QString &sql);
     // Runs a query and reads all its rows.
     Recordset query(const QString &sql);
-    // Starts a forward-only query whose rows the caller fetches itself (see PendingReader).
-    QSqlQuery startQuery(const QString &sql);
+    // Starts a forward-only query whose rows the caller fetches itself, on a connection of its
+    // own (see PendingQuery).
+    PendingQuery startQuery(const QString &sql);
 
-    void addPendingReader(PendingReader *reader);
-    void removePendingReader(PendingReader *reader);
+    // Hears every statement as it goes to the engine (the benchmark times them bare); none
+    // by default.
+    void observeStatements(std::function<void(const QString &engineSql)> observer) { m_observer = std::move(observer); }
 
     // The statement as it is sent to the engine: "a x right join b y on" runs as the equivalent
     // "b y left join a x on", which the engine plans far better (the system's joins name their
@@ -55,13 +71,20 @@ public:
     static QString engineMessage(const QSqlError &error);
 
 private:
-    QString openConnection(); // empty when open, else the reason
+    friend class PendingQuery;
+    enum Role { Writer, Reader };
+    QString openConnection(const QString &name, Role role); // empty when open, else the reason
+    QSqlQuery forwardQuery(const QString &connection, const QString &sql);
+    QString takeReader();
+    void giveBack(const QString &reader);
     [[noreturn]] void fail(const QSqlQuery &query) const;
-    void finishPendingReads();
+    QString sent(const QString &sql) const;
 
     QString m_connectionName;
     QString m_fileName;
-    QVector<PendingReader *> m_pendingReaders;
+    QStringList m_readers;      // every reading connection, in use or not
+    QStringList m_spareReaders; // those that no pending query holds
+    std::function<void(const QString &)> m_observer;
 };
 
 } // namespace vantrel

@@ -3,15 +3,21 @@
 #include "data/recordset.h"
 #include "data/unhandlederror.h"
 
+#include <QElapsedTimer>
 #include <QSqlError>
 #include <QSqlField>
 #include <QSqlRecord>
+#include <limits>
 
 namespace vantrel {
 
 namespace {
 const int Screenful = 100;
 const int IdleChunk = 2000;
+// Reading the rest waits until the grid has been left alone this long, then goes on in slices
+// short enough that a key pressed meanwhile is not kept waiting.
+const int QuietMilliseconds = 1000;
+const qint64 IdleSliceNanoseconds = 4'000'000;
 
 // A column the engine declares, or computes, as a number.
 bool isNumberType(QMetaType type)
@@ -32,7 +38,6 @@ bool isNumberType(QMetaType type)
 GridModel::GridModel(QObject *parent) : QAbstractTableModel(parent)
 {
     m_idleFetch.setSingleShot(true);
-    m_idleFetch.setInterval(0);
     connect(&m_idleFetch, &QTimer::timeout, this, &GridModel::fetchWhileIdle);
 }
 
@@ -50,36 +55,36 @@ void GridModel::setLeadingColumn(bool leading)
 
 bool GridModel::bind(Database &db, const QString &sql, BindMode mode)
 {
-    QSqlQuery query = db.startQuery(sql); // throws before anything changes
-    const bool hasRow = query.next();
-    if (!hasRow && query.lastError().isValid())
-        throw UnhandledError(Database::engineMessage(query.lastError()));
-    if (!hasRow && mode == OnlyWithRows) {
-        query.finish();
+    PendingQuery pending = db.startQuery(sql); // throws before anything changes
+    const bool hasRow = pending.query().next();
+    if (!hasRow && pending.query().lastError().isValid())
+        throw UnhandledError(Database::engineMessage(pending.query().lastError()));
+    if (!hasRow && mode == OnlyWithRows)
         return false;
-    }
     beginResetModel();
     stopReading();
     m_db = &db;
     m_sql = sql;
-    m_query = std::move(query);
+    m_pending = std::move(pending);
     m_headings.clear();
     m_numeric.clear();
-    const QSqlRecord record = m_query.record();
+    const QSqlRecord record = m_pending.query().record();
     for (int i = 0; i < record.count(); ++i) {
         m_headings << record.fieldName(i);
         m_numeric << isNumberType(record.field(i).metaType());
     }
-    m_rows.clear();
+    m_text.clear();
+    m_cellEnds.clear();
+    m_loaded = 0;
     if (hasRow) {
-        m_rows.append(currentRow());
+        appendCurrentRow();
+        m_loaded = 1;
         m_reading = true;
-        m_db->addPendingReader(this);
     } else {
-        m_query.finish();
+        m_pending.close();
     }
     try {
-        fetch(Screenful - 1, false);
+        fetch(Screenful - 1, -1, false);
     } catch (...) {
         endResetModel();
         throw;
@@ -95,13 +100,20 @@ bool GridModel::refresh()
     return bind(*m_db, m_sql, Always);
 }
 
-QStringList GridModel::currentRow() const
+void GridModel::appendCurrentRow()
 {
-    QStringList row;
-    row.reserve(m_headings.size());
-    for (int i = 0; i < m_headings.size(); ++i)
-        row << displayText(m_query.value(i));
-    return row;
+    const QSqlQuery &query = m_pending.query();
+    for (int i = 0; i < m_headings.size(); ++i) {
+        m_text += displayText(query.value(i)).toUtf8();
+        m_cellEnds << quint32(m_text.size());
+    }
+}
+
+QString GridModel::text(int row, int queryColumn) const
+{
+    const qsizetype cell = qsizetype(row) * m_headings.size() + queryColumn;
+    const quint32 begin = cell == 0 ? 0 : m_cellEnds[cell - 1];
+    return QString::fromUtf8(m_text.constData() + begin, m_cellEnds[cell] - begin);
 }
 
 void GridModel::clear()
@@ -111,7 +123,9 @@ void GridModel::clear()
     m_sql.clear();
     m_headings.clear();
     m_numeric.clear();
-    m_rows.clear();
+    m_text.clear();
+    m_cellEnds.clear();
+    m_loaded = 0;
     endResetModel();
 }
 
@@ -128,12 +142,12 @@ QString GridModel::heading(int column) const
 
 QString GridModel::cell(int row, int column)
 {
-    if (row >= m_rows.size() && m_reading)
-        fetch(row + 1 - int(m_rows.size()));
+    if (row >= m_loaded && m_reading)
+        fetch(row + 1 - m_loaded);
     const int index = column - (m_leading ? 1 : 0);
-    if (row < 0 || row >= m_rows.size() || index < 0 || index >= m_rows[row].size())
+    if (row < 0 || row >= m_loaded || index < 0 || index >= m_headings.size())
         return {};
-    return m_rows[row][index];
+    return text(row, index);
 }
 
 void GridModel::readToEnd()
@@ -142,34 +156,41 @@ void GridModel::readToEnd()
         fetch(IdleChunk);
 }
 
-// Reads up to COUNT more rows; at the end of the result the statement is closed. A row the
-// database fails to produce closes the statement and throws UnhandledError.
-void GridModel::fetch(int count, bool announce)
+// Reads up to COUNT more rows, for no longer than MAXNANOSECONDS when that is not negative; at
+// the end of the result the query is closed. A row the database fails to produce closes the
+// query and throws UnhandledError. While rows are left, reading goes on once the grid has been
+// left alone (a time-limited read goes on at once: it is the idle reading itself).
+void GridModel::fetch(int count, qint64 maxNanoseconds, bool announce)
 {
     if (!m_reading)
         return;
-    QVector<QStringList> more;
+    QElapsedTimer clock;
+    clock.start();
+    QSqlQuery &query = m_pending.query();
+    int added = 0;
     bool atEnd = false;
-    for (int n = 0; n < count; ++n) {
-        if (!m_query.next()) {
+    while (added < count) {
+        if (maxNanoseconds >= 0 && added % 64 == 63 && clock.nsecsElapsed() > maxNanoseconds)
+            break;
+        if (!query.next()) {
             atEnd = true;
             break;
         }
-        more.append(currentRow());
+        appendCurrentRow();
+        ++added;
     }
-    const QSqlError error = m_query.lastError();
-    if (!more.isEmpty()) {
-        const int first = int(m_rows.size());
+    const QSqlError error = query.lastError();
+    if (added > 0) {
         if (announce)
-            beginInsertRows({}, first, first + int(more.size()) - 1);
-        m_rows.append(std::move(more));
+            beginInsertRows({}, m_loaded, m_loaded + added - 1);
+        m_loaded += added;
         if (announce)
             endInsertRows();
     }
     if (atEnd)
         stopReading();
     else
-        m_idleFetch.start();
+        m_idleFetch.start(maxNanoseconds >= 0 ? 0 : QuietMilliseconds);
     if (error.isValid())
         throw UnhandledError(Database::engineMessage(error));
 }
@@ -177,7 +198,7 @@ void GridModel::fetch(int count, bool announce)
 void GridModel::fetchWhileIdle()
 {
     try {
-        fetch(IdleChunk);
+        fetch(std::numeric_limits<int>::max(), IdleSliceNanoseconds);
     } catch (const UnhandledError &error) {
         emit readFailed(error.message());
     }
@@ -186,18 +207,13 @@ void GridModel::fetchWhileIdle()
 void GridModel::stopReading()
 {
     m_idleFetch.stop();
-    if (m_reading) {
-        m_query.finish();
-        m_reading = false;
-    }
-    m_query = QSqlQuery();
-    if (m_db)
-        m_db->removePendingReader(this);
+    m_reading = false;
+    m_pending.close();
 }
 
 int GridModel::rowCount(const QModelIndex &parent) const
 {
-    return parent.isValid() ? 0 : int(m_rows.size());
+    return parent.isValid() ? 0 : m_loaded;
 }
 
 int GridModel::columnCount(const QModelIndex &parent) const
@@ -212,9 +228,9 @@ QVariant GridModel::data(const QModelIndex &index, int role) const
         return QVariant::fromValue(Qt::AlignVCenter | (m_numeric[column] ? Qt::AlignRight : Qt::AlignLeft));
     if (role != Qt::DisplayRole && role != Qt::AccessibleTextRole)
         return {};
-    if (column < 0 || index.row() >= m_rows.size() || column >= m_rows[index.row()].size())
+    if (column < 0 || index.row() >= m_loaded || column >= m_headings.size())
         return {};
-    return m_rows[index.row()][column];
+    return text(index.row(), column);
 }
 
 QVariant GridModel::headerData(int section, Qt::Orientation orientation, int role) const
@@ -233,8 +249,13 @@ bool GridModel::canFetchMore(const QModelIndex &parent) const
 
 void GridModel::fetchMore(const QModelIndex &parent)
 {
-    if (!parent.isValid())
-        fetchWhileIdle();
+    if (parent.isValid())
+        return;
+    try {
+        fetch(Screenful);
+    } catch (const UnhandledError &error) {
+        emit readFailed(error.message());
+    }
 }
 
 } // namespace vantrel

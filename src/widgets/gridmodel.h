@@ -11,9 +11,11 @@
 namespace vantrel {
 
 // The rows of the query a grid is bound to, as the texts the grid shows. The first screenful is
-// read when the grid is bound, the rest a chunk at a time while the program is idle, or at once
-// when someone walks the rows or the database is about to write.
-class GridModel final : public QAbstractTableModel, public PendingReader {
+// read when the grid is bound; more as the view scrolls or someone walks the rows; the rest, a
+// few milliseconds at a time, once the grid has been left alone for a second. The query reads on
+// a connection of its own (PendingQuery): its rows are the file as it was at the bind, and no
+// write waits for them.
+class GridModel final : public QAbstractTableModel {
     Q_OBJECT
 public:
     explicit GridModel(QObject *parent = nullptr);
@@ -35,10 +37,10 @@ public:
     int columns() const;
     QString heading(int column) const;
     // Loaded rows; readToEnd() first for all of them.
-    int loadedRows() const { return int(m_rows.size()); }
+    int loadedRows() const { return m_loaded; }
     // The text of a data row (0-based), loading rows up to it; empty beyond the last row.
     QString cell(int row, int column);
-    void readToEnd() override;
+    void readToEnd();
 
     int rowCount(const QModelIndex &parent = {}) const override;
     int columnCount(const QModelIndex &parent = {}) const override;
@@ -52,19 +54,25 @@ signals:
     void readFailed(const QString &message);
 
 private:
-    void fetch(int count, bool announce = true);
+    void fetch(int count, qint64 maxNanoseconds = -1, bool announce = true);
     void fetchWhileIdle();
-    QStringList currentRow() const;
+    void appendCurrentRow();
     void stopReading();
+    QString text(int row, int queryColumn) const;
 
     Database *m_db = nullptr;
     QString m_sql;
-    QSqlQuery m_query;
+    PendingQuery m_pending;
     bool m_reading = false;
     bool m_leading = false;
     QStringList m_headings;
     QVector<bool> m_numeric; // per query column: the engine gives numbers there
-    QVector<QStringList> m_rows;
+    // The loaded rows' texts, row after row, as UTF-8 in one buffer: a hundred thousand rows
+    // cost a few megabytes and are freed at once. Cell k (row * columns + column) ends at
+    // m_cellEnds[k] and begins where cell k - 1 ends.
+    QByteArray m_text;
+    QVector<quint32> m_cellEnds;
+    int m_loaded = 0;
     QTimer m_idleFetch;
 };
 
