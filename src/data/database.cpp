@@ -1,11 +1,11 @@
 #include "database.h"
 
 #include "connectionstring.h"
+#include "engineforms.h"
 #include "shortdate.h"
 #include "sqlfunctions.h"
 #include "unhandlederror.h"
 
-#include <QRegularExpression>
 #include <QSqlDriver>
 #include <QSqlError>
 #include <QSqlRecord>
@@ -228,29 +228,7 @@ QString Database::engineMessage(const QSqlError &error)
 
 QString Database::engineText(const QString &sql)
 {
-    static const QRegularExpression rightJoin(
-        QStringLiteral("\\b(\\w+)\\s+(\\w+)\\s+right\\s+join\\s+(\\w+)\\s+(\\w+)\\s+on\\b"),
-        QRegularExpression::CaseInsensitiveOption);
-    if (!sql.contains(QLatin1String("right"), Qt::CaseInsensitive))
-        return sql;
-    // Only the statement's own text is rewritten: what stands between quotes is a value, kept
-    // exactly as typed.
-    QString text;
-    text.reserve(sql.size());
-    qsizetype from = 0;
-    while (from < sql.size()) {
-        const qsizetype quote = sql.indexOf(QLatin1Char('\''), from);
-        QString outside = sql.mid(from, quote < 0 ? -1 : quote - from);
-        text += outside.replace(rightJoin, QStringLiteral("\\3 \\4 left join \\1 \\2 on"));
-        if (quote < 0)
-            break;
-        // A doubled quote inside a value ends and restarts it, which reads the same here.
-        const qsizetype closing = sql.indexOf(QLatin1Char('\''), quote + 1);
-        const qsizetype end = closing < 0 ? sql.size() : closing + 1;
-        text += QStringView(sql).mid(quote, end - quote);
-        from = end;
-    }
-    return text;
+    return engineForm(sql);
 }
 
 } // namespace vantrel

@@ -62,9 +62,8 @@ public:
     // by default.
     void observeStatements(std::function<void(const QString &engineSql)> observer) { m_observer = std::move(observer); }
 
-    // The statement as it is sent to the engine: "a x right join b y on" runs as the equivalent
-    // "b y left join a x on", which the engine plans far better (the system's joins name their
-    // columns, so the rows and columns are the same).
+    // The statement as it is sent to the engine: the same rows, in the same order, with the
+    // same columns and errors, in a form the engine runs fast (see engineForm()).
     static QString engineText(const QString &sql);
 
     // The database's own message of a failed statement, as the unhandled-error box shows it.

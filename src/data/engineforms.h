@@ -1,0 +1,22 @@
+#pragma once
+
+#include <QString>
+
+namespace vantrel {
+
+// The form in which a statement of the system is sent to the engine. Each rewrite gives the same
+// rows in the same order, with the same column names and types, and fails where the statement
+// would fail with the same message; any other statement is sent as it stands. What stands
+// between quotes is a value and is never rewritten.
+//
+// - "a x right join b y on" runs as the equivalent "b y left join a x on", which the engine plans
+//   far better (the system's joins name their columns).
+// - A date span over a whole table, "select LIST from T where format(cdate(dat),'MM/DD/YYYY')
+//   between 'A' and 'B'", converts each distinct date once instead of every row's: the table's
+//   distinct dates are walked on its date index, and the rows of those whose text lies in the
+//   span are read in the table's own order.
+// - The invoice screens' product search, when many products match, walks the index that holds
+//   its groups in order, so that the first screenful comes without sorting every match.
+QString engineForm(const QString &sql);
+
+} // namespace vantrel
