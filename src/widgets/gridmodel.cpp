@@ -13,7 +13,6 @@ namespace vantrel {
 
 namespace {
 const int Screenful = 100;
-const int IdleChunk = 2000;
 // Reading the rest waits until the grid has been left alone this long, then goes on in slices
 // short enough that a key pressed meanwhile is not kept waiting.
 const int QuietMilliseconds = 1000;
@@ -150,10 +149,10 @@ QString GridModel::cell(int row, int column)
     return text(row, index);
 }
 
+// The view hears of the rows once, however many there are.
 void GridModel::readToEnd()
 {
-    while (m_reading)
-        fetch(IdleChunk);
+    fetch(std::numeric_limits<int>::max());
 }
 
 // Reads up to COUNT more rows, for no longer than MAXNANOSECONDS when that is not negative; at
