@@ -185,6 +185,8 @@ private:
     void idle(int ms) { QTest::qWait(ms); }
 
     void startCreditInvoice();
+    void typeMode(char mode);
+    void pickFromList(QWidget *screen, const QString &fieldName, const QString &typed, const QString &listName, Row &timed);
     void keyLine(int product, bool pause);
     void typeInto(const QString &fieldName, const QString &text, Row &keystrokes, Row &shortKeystrokes);
     void openScreen(const char *name) { m_window->openScreen(QString::fromLatin1(name)); }
@@ -228,13 +230,30 @@ void Session::typeInto(const QString &fieldName, const QString &text, Row &keyst
     }
 }
 
+// The mode typed over the one shown: a new document of that mode.
+void Session::typeMode(char mode)
+{
+    QLineEdit *field = this->field(m_sales, QStringLiteral("C/D"));
+    field->setFocus();
+    field->selectAll();
+    QTest::keyClick(field, mode);
+}
+
 void Session::startCreditInvoice()
 {
-    QLineEdit *mode = field(m_sales, QStringLiteral("C/D"));
-    mode->setFocus();
-    mode->selectAll();
-    QTest::keyClick(mode, 'd');
+    typeMode('d');
     field(m_sales, QStringLiteral("Party:"))->setText(partyName(next(m_parties)));
+}
+
+// Types the start of a name into a search field, then times Enter on the list it fills.
+void Session::pickFromList(QWidget *screen, const QString &fieldName, const QString &typed, const QString &listName, Row &timed)
+{
+    QLineEdit *search = field(screen, fieldName);
+    search->clear();
+    search->setFocus();
+    QTest::keyClicks(search, typed);
+    idle(50);
+    measure(timed, [&] { key(grid(screen, listName), Qt::Key_Return); });
 }
 
 // One line keyed by item code and quantity; with PAUSE the operator waits a moment before
@@ -269,16 +288,8 @@ void Session::run()
 
     Row &pick = row(QStringLiteral("party pick"), 50);
     for (int i = 0; i < n; ++i) {
-        QLineEdit *mode = field(m_sales, QStringLiteral("C/D"));
-        mode->setFocus();
-        mode->selectAll();
-        QTest::keyClick(mode, i % 2 ? 'd' : 'c');
-        QLineEdit *party = field(m_sales, QStringLiteral("Party:"));
-        party->clear();
-        party->setFocus();
-        QTest::keyClicks(party, partyName(next(m_parties)).left(4));
-        idle(50);
-        measure(pick, [&] { key(grid(m_sales, QStringLiteral("party list")), Qt::Key_Return); });
+        typeMode(i % 2 ? 'd' : 'c');
+        pickFromList(m_sales, QStringLiteral("Party:"), partyName(next(m_parties)).left(4), QStringLiteral("party list"), pick);
     }
 
     Row &itemCode = row(QStringLiteral("item code + Enter"), 16);
@@ -329,27 +340,15 @@ void Session::run()
     Row &stockPick = row(QStringLiteral("stock pick"), 50);
     openScreen("stksum");
     QWidget *stock = m_window->screen(QStringLiteral("stksum"));
-    for (int i = 0; i < n / 2; ++i) {
-        QLineEdit *name = field(stock, QStringLiteral("Product Name"));
-        name->clear();
-        name->setFocus();
-        QTest::keyClicks(name, productName(next(m_products)).left(8));
-        idle(50);
-        measure(stockPick, [&] { key(grid(stock, QStringLiteral("product grid")), Qt::Key_Return); });
-    }
+    for (int i = 0; i < n / 2; ++i)
+        pickFromList(stock, QStringLiteral("Product Name"), productName(next(m_products)).left(8), QStringLiteral("product grid"), stockPick);
 
     Row &ledgerView = row(QStringLiteral("ledger view of a month"), 50);
     openScreen("led");
     QWidget *ledger = m_window->screen(QStringLiteral("led"));
     setSpan(ledger, QStringLiteral("From Date"), QStringLiteral("To Date"), QDate(2026, 11, 1), QDate(2026, 11, 30));
-    for (int i = 0; i < n / 2; ++i) {
-        QLineEdit *account = field(ledger, QStringLiteral("Account Name"));
-        account->clear();
-        account->setFocus();
-        QTest::keyClicks(account, partyName(next(m_parties)).left(4));
-        idle(50);
-        measure(ledgerView, [&] { key(grid(ledger, QStringLiteral("account search grid")), Qt::Key_Return); });
-    }
+    for (int i = 0; i < n / 2; ++i)
+        pickFromList(ledger, QStringLiteral("Account Name"), partyName(next(m_parties)).left(4), QStringLiteral("account search grid"), ledgerView);
 
     openScreen("dwsrpt");
     QWidget *registerScreen = m_window->screen(QStringLiteral("dwsrpt"));
