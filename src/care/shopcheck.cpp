@@ -1,0 +1,223 @@
+#include "shopcheck.h"
+
+#include "data/records.h"
+#include "sqlitefile.h"
+
+#include <QSet>
+
+namespace vantrel {
+
+namespace {
+
+// The two kinds of document: lines in one table, their header in another, joined on the number
+// (text in the lines, a number in the header) and the mode.
+struct Document {
+    const char *lines;
+    const char *headers;
+    const char *number;
+    const char *noun;
+};
+
+const Document Sales = {"sales", "salesmain", "invoice", "sales invoice"};
+const Document Purchase = {"purchase", "purchasemain", "pono", "purchase voucher"};
+
+// A header's total is its lines' sum, kept in single or double precision; a trace differs by a
+// whole line.
+const char *TotalsDiffer = "abs(m.netamt - l.amount) > 0.005 + 1e-5 * abs(l.amount)";
+
+QString naming(const Document &doc, const QString &number, const QString &mode)
+{
+    return QStringLiteral("%1 %2 (%3)").arg(QLatin1String(doc.noun), number, mode);
+}
+
+QString figure(double value)
+{
+    return doubleText(value);
+}
+
+class Checker {
+public:
+    Checker(SqliteFile &file, CheckDepth depth, CheckReport &report) : m_file(file), m_depth(depth), m_report(report) {}
+
+    void pages()
+    {
+        if (m_depth == CheckDepth::Quick)
+            return;
+        const QStringList lines = m_file.firstColumn(QStringLiteral("pragma integrity_check"));
+        m_report.pagesChecked = true;
+        if (lines != QStringList{QStringLiteral("ok")})
+            m_report.damage = lines;
+    }
+
+    // Lines grouped by document and joined to their header: a group without one, a header
+    // whose total is not its lines' sum, a number and mode held by two headers; then headers
+    // that no group reached, which have no lines at all.
+    void documents(const Document &doc)
+    {
+        const QString lines = QLatin1String(doc.lines), headers = QLatin1String(doc.headers), number = QLatin1String(doc.number);
+        // Every line of the documents looked at, grouped by document.
+        QString headerFilter;
+        QString groups = QStringLiteral("select %1 as number, trans, total(amount) as amount, count(*) as lines, max(rowid) as lastrow "
+                                        "from %2 group by %1, trans")
+                             .arg(number, lines);
+        if (m_depth == CheckDepth::Quick) {
+            headerFilter = QStringLiteral(" where rowid > (select max(rowid) from %1) - %2").arg(headers).arg(QuickTailRows / 10);
+            QStringList recent;
+            m_file.eachRow("select " + number + ", trans from " + headers + headerFilter, [&](const SqliteRow &row) {
+                recent << QStringLiteral("(%1, %2)").arg(quoted(figure(row.number(0))), quoted(row.text(1)));
+            });
+            groups = QStringLiteral("select s.%1 as number, s.trans, total(s.amount) as amount, count(*) as lines, max(s.rowid) as lastrow "
+                                    "from (select %1, trans from %2 where rowid > (select max(rowid) from %2) - %3%4) k "
+                                    "cross join %2 s on s.%1 = k.%1 and s.trans = k.trans group by s.%1, s.trans")
+                         .arg(number, lines)
+                         .arg(QuickTailRows)
+                         .arg(recent.isEmpty() ? QString() : " union values " + recent.join(QLatin1Char(',')));
+        }
+
+        QSet<qint64> reached;
+        QString previous;
+        m_file.eachRow(QStringLiteral("select l.number, l.trans, l.amount, l.lines, l.lastrow, m.rowid, m.netamt, m.party, %1 "
+                                      "from (%2) l left join %3 m on m.%4 = l.number and m.trans = l.trans")
+                           .arg(TotalsDiffer, groups, headers, number),
+                       [&](const SqliteRow &row) {
+                           const QString name = naming(doc, row.text(0), row.text(1));
+                           const QString lineCount = QStringLiteral("%1 line(s) adding up to %2, the last in row %3")
+                                                         .arg(row.integer(3))
+                                                         .arg(figure(row.number(2)))
+                                                         .arg(row.integer(4));
+                           if (row.isNull(5)) {
+                               trace(QStringLiteral("Lines without their %1").arg(QLatin1String(doc.noun)), name + ": " + lineCount);
+                               return;
+                           }
+                           reached.insert(row.integer(5));
+                           if (name == previous)
+                               trace(QStringLiteral("A %1 number used twice").arg(QLatin1String(doc.noun)),
+                                     QStringLiteral("%1: another header in row %2").arg(name).arg(row.integer(5)));
+                           previous = name;
+                           if (row.integer(8))
+                               trace(QStringLiteral("A %1 whose total differs from its lines").arg(QLatin1String(doc.noun)),
+                                     QStringLiteral("%1 of %2: total %3 in row %4; %5")
+                                         .arg(name, row.text(7), figure(row.number(6)))
+                                         .arg(row.integer(5))
+                                         .arg(lineCount));
+                       });
+
+        m_file.eachRow("select rowid, " + number + ", trans, party, netamt from " + headers + headerFilter, [&](const SqliteRow &row) {
+            if (reached.contains(row.integer(0)) || hasLines(doc, row.number(1), row.text(2)))
+                return;
+            trace(QStringLiteral("A %1 without lines").arg(QLatin1String(doc.noun)),
+                  QStringLiteral("%1 of %2: total %3 in row %4")
+                      .arg(naming(doc, figure(row.number(1)), row.text(2)), row.text(3), figure(row.number(4)))
+                      .arg(row.integer(0)));
+        });
+    }
+
+    // A receipt or payment is inserted, then given its balance.
+    void ledger()
+    {
+        m_file.eachRow(QStringLiteral("select rowid, type, refno, dat, ac, debit, credit from ledger where balance is null"),
+                       [&](const SqliteRow &row) {
+                           const bool payment = row.text(1).compare(QLatin1String("payment"), Qt::CaseInsensitive) == 0;
+                           trace(QStringLiteral("A ledger entry without its balance"),
+                                 QStringLiteral("%1 %2 of %3, %4, %5 %6, in row %7")
+                                     .arg(row.text(1), row.text(2), row.text(3), row.text(4), payment ? "debit" : "credit",
+                                          figure(row.number(payment ? 5 : 6)))
+                                     .arg(row.integer(0)));
+                       });
+    }
+
+    // Stock is what was bought less what was sold; the figures are kept in single precision.
+    void stock()
+    {
+        m_file.eachRow(QStringLiteral("select rowid, prodname, totqty, usedqty, stk from stock where stk is null or "
+                                      "abs(stk - (coalesce(totqty, 0) - coalesce(usedqty, 0))) > 0.01 + 1e-5 * (abs(coalesce(totqty, 0)) + "
+                                      "abs(coalesce(usedqty, 0)))"),
+                       [&](const SqliteRow &row) {
+                           trace(QStringLiteral("A stock row whose stock is not bought less sold"),
+                                 QStringLiteral("%1: bought %2, sold %3, stock %4, in row %5")
+                                     .arg(row.text(1), figure(row.number(2)), figure(row.number(3)),
+                                          row.isNull(4) ? QStringLiteral("empty") : figure(row.number(4)))
+                                     .arg(row.integer(0)));
+                       });
+    }
+
+    // Files made before the numbering guards can hold a text where a number belongs.
+    void numbering()
+    {
+        static const char *const columns[][2] = {{"salesmain", "invoice"}, {"purchasemain", "pono"}, {"ledger", "refno"},
+                                                 {"suppliermaster", "ID"}, {"productmaster", "psrno"}};
+        for (const auto &column : columns) {
+            const QString table = QLatin1String(column[0]), name = QLatin1String(column[1]);
+            m_file.eachRow("select rowid, " + name + " from " + table + " where typeof(" + name + ") not in ('integer', 'real')",
+                           [&](const SqliteRow &row) {
+                               trace(QStringLiteral("A number that is not a number"),
+                                     QStringLiteral("%1.%2 in row %3 holds %4")
+                                         .arg(table, name)
+                                         .arg(row.integer(0))
+                                         .arg(row.isNull(1) ? QStringLiteral("nothing") : "'" + row.text(1) + "'"));
+                           });
+        }
+    }
+
+private:
+    static QString quoted(QString text) { return "'" + text.replace(QLatin1Char('\''), QLatin1String("''")) + "'"; }
+
+    // Whether any line carries the header's number; compared as numbers, as the join does.
+    bool hasLines(const Document &doc, double number, const QString &mode)
+    {
+        const QString sql = QStringLiteral("select count(*) from %1 where trans = %2 and %3 = %4")
+                                .arg(QLatin1String(doc.lines), quoted(mode), QLatin1String(doc.number), quoted(figure(number)));
+        if (m_file.number(sql) > 0)
+            return true;
+        return m_file.number(QStringLiteral("select count(*) from %1 where trans = %2 and %3 + 0 = %4")
+                                 .arg(QLatin1String(doc.lines), quoted(mode), QLatin1String(doc.number), figure(number)))
+            > 0;
+    }
+
+    void trace(const QString &kind, const QString &rows) { m_report.traces << Finding{kind, rows}; }
+
+    SqliteFile &m_file;
+    CheckDepth m_depth;
+    CheckReport &m_report;
+};
+
+} // namespace
+
+QString CheckReport::text() const
+{
+    QString text;
+    if (!pagesChecked)
+        text += QStringLiteral("The pages of the file were not read (the full check reads them).\n");
+    else if (damage.isEmpty())
+        text += QStringLiteral("The file's pages are sound.\n");
+    for (const QString &line : damage)
+        text += "The file is damaged: " + line + "\n";
+    for (const Finding &finding : traces)
+        text += finding.kind + ": " + finding.rows + "\n";
+    if (clean())
+        text += QStringLiteral("No trace of an interrupted action.\n");
+    else
+        text += QStringLiteral("Found %1 thing(s) to look at. Nothing was changed; a repair is the operator's decision.\n")
+                    .arg(damage.size() + traces.size());
+    return text;
+}
+
+CheckReport checkShopFile(const QString &path, CheckDepth depth)
+{
+    SqliteFile file(path, SqliteFile::Access::ReadOnly);
+    file.execute(QStringLiteral("pragma query_only = 1"));
+    // The join from the newest lines to all lines of their documents goes through the line
+    // table's index; an automatic one would read the whole table to build.
+    file.execute(QStringLiteral("pragma automatic_index = 0"));
+    CheckReport report;
+    Checker checker(file, depth, report);
+    checker.pages();
+    checker.documents(Sales);
+    checker.documents(Purchase);
+    checker.ledger();
+    checker.stock();
+    checker.numbering();
+    return report;
+}
+
+} // namespace vantrel
