@@ -73,6 +73,8 @@ struct CareDesk : test::Desk {
         test::grid(sales, "party list")->setFocus();
         QTest::keyClick(test::grid(sales, "party list"), Qt::Key_Return);
         for (const QString &code : codes) {
+            if (!shop.unhandledErrors.isEmpty())
+                return; // the program has ended
             test::type(sales, "item code", code);
             test::press(sales, "item code", Qt::Key_Return);
             test::type(sales, "Qty", "2");
@@ -201,6 +203,49 @@ private slots:
                 QVERIFY2(kinds(quick) == expected, qPrintable(where + " (quick): " + quick.text()));
             }
         }
+    }
+
+    // A disk that fills up in the middle of the day's sales: the statement that finds no room
+    // fails with the engine's message and ends its action; every sale before it stays whole,
+    // the pages stay sound, and all that is left half done is that one action.
+    void aFullDiskEndsTheActionNotTheFile()
+    {
+        CareDesk d;
+        const int pages = int(SqliteFile(shopFile(d.shop), SqliteFile::Access::ReadOnly).number("pragma page_count"));
+        d.shop.exec(QStringLiteral("pragma max_page_count = %1").arg(pages + 2));
+        int completed = 0;
+        while (d.shop.unhandledErrors.isEmpty() && completed < 500) {
+            d.sale("C", {"8901", "8902"});
+            if (d.shop.unhandledErrors.isEmpty())
+                ++completed;
+        }
+        QCOMPARE(d.shop.unhandledErrors, QStringList{"database or disk is full"});
+        QVERIFY(completed > 0);
+        d.shop.exec("pragma max_page_count = 1073741823");
+        // The party's unsettled invoice comes back each time, so every sale adds to invoice 1.
+        const int lines = d.shop.rows("select count(*) from sales where invoice='1' and trans='C'").first().first().toInt();
+        QVERIFY2(lines >= 2 * completed && lines <= 2 * completed + 2, qPrintable(QString::number(lines)));
+        const CheckReport report = checkShopFile(shopFile(d.shop), CheckDepth::Full);
+        QVERIFY2(report.damage.isEmpty(), qPrintable(report.text()));
+        for (const Finding &finding : report.traces)
+            QVERIFY2(finding.rows.startsWith(QStringLiteral("sales invoice 1 (C)")), qPrintable(report.text()));
+    }
+
+    // Another program holding the file's write lock past the busy time: the save waits that
+    // long, fails with the engine's message and writes nothing; released, the file is whole and
+    // takes writes again.
+    void aLockHeldPastTheBusyTimeEndsTheAction()
+    {
+        CareDesk d;
+        SqliteFile other(shopFile(d.shop), SqliteFile::Access::ReadWrite);
+        other.execute("begin immediate");
+        d.sale("C", {"8901"});
+        other.execute("rollback");
+        QCOMPARE(d.shop.unhandledErrors, QStringList{"database is locked"});
+        QCOMPARE(d.shop.rows("select count(*) from sales").first().first(), "0");
+        QVERIFY(checkShopFile(shopFile(d.shop), CheckDepth::Full).clean());
+        d.shop.exec("insert into salesmain(invoice,trans,netamt) values(1,'C',0)");
+        QCOMPARE(d.shop.rows("select invoice,netamt from salesmain"), (QList<QStringList>{{"1", "0"}}));
     }
 
     // The findings name the rows: the document, its party, its figures.

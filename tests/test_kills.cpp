@@ -7,6 +7,7 @@
 // after a crash.
 //
 //   test_kills --kills N [--seed S]     the test (the default run kills a few times; the soak 200)
+//   test_kills --together MS            two workers on one file at once for MS milliseconds
 //   test_kills --worker DIR SEED        the worker, started by the test
 #include "accounts/receiptscreen.h"
 #include "app/mainwindow.h"
@@ -276,6 +277,7 @@ int runTest(int kills, quint32 seed, const QString &self)
     QRandomGenerator random(seed);
     QMap<QString, Expected> expected;
     Figures figures;
+    int tracesBefore = 0; // a trace stays until the operator repairs it
     for (int round = 0; round < kills; ++round) {
         QProcess worker;
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
@@ -302,15 +304,48 @@ int runTest(int kills, quint32 seed, const QString &self)
             ++figures.faults;
             std::printf("damaged after kill %d: %s\n", round + 1, qPrintable(report.text()));
         }
-        if (!report.traces.isEmpty())
+        if (report.traces.size() > tracesBefore)
             ++figures.withTraces;
+        tracesBefore = int(report.traces.size());
         SqliteFile file(path, SqliteFile::Access::ReadOnly);
         checkExpected(file, expected, figures);
     }
-    std::printf("%d kills (%d in the middle of an action, %d leaving a trace the check reported); %d actions completed, "
+    std::printf("%d kills (%d in the middle of an action, %d leaving a new trace the check reported); %d actions completed, "
                 "%d checks of a completed action against the file; %d faults; %d lost\n",
                 figures.kills, figures.midAction, figures.withTraces, figures.actions, figures.checked, figures.faults, figures.lost);
     return figures.faults == 0 && figures.lost == 0 && figures.actions > figures.kills ? 0 : 1;
+}
+
+// Two copies of the program at work on one file at once, as when the operator starts it twice:
+// neither may meet an error (each waits for the other's write), and the file stays sound.
+// Both may propose the same number and so write into one document; that is the system's own
+// numbering, not reserved.
+int runTogether(int milliseconds, quint32 seed, const QString &self)
+{
+    QTemporaryDir shop;
+    makeShop(shop.path());
+    QProcess workers[2];
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
+    for (int i = 0; i < 2; ++i) {
+        workers[i].setProcessEnvironment(environment);
+        workers[i].start(self, {QStringLiteral("--worker"), shop.path(), QString::number(seed + quint32(i))});
+    }
+    workers[0].waitForFinished(milliseconds);
+    int completed[2] = {0, 0}, errors = 0;
+    for (int i = 0; i < 2; ++i) {
+        workers[i].kill();
+        workers[i].waitForFinished();
+        QMap<QString, Expected> expected;
+        Figures figures;
+        takeReport(QString::fromUtf8(workers[i].readAllStandardOutput()).split('\n', Qt::SkipEmptyParts), expected, figures);
+        completed[i] = figures.actions;
+        errors += figures.faults;
+    }
+    const CheckReport report = checkShopFile(QDir(shop.path()).filePath(QStringLiteral("vantrel.accdb")), CheckDepth::Full);
+    std::printf("two copies at once for %d ms: %d and %d actions completed; %d errors; pages %s\n", milliseconds, completed[0], completed[1],
+                errors, report.damage.isEmpty() ? "sound" : "DAMAGED");
+    return errors == 0 && report.damage.isEmpty() && completed[0] > 0 && completed[1] > 0 ? 0 : 1;
 }
 
 } // namespace
@@ -330,6 +365,8 @@ int main(int argc, char **argv)
             worker.run();
             return 0;
         }
+        if (args.size() >= 3 && args[1] == QLatin1String("--together"))
+            return runTogether(args[2].toInt(), QRandomGenerator::global()->generate(), app.applicationFilePath());
         const int kills = args.indexOf("--kills") > 0 ? args.value(args.indexOf("--kills") + 1).toInt() : 5;
         const quint32 seed = args.indexOf("--seed") > 0 ? args.value(args.indexOf("--seed") + 1).toUInt() : QRandomGenerator::global()->generate();
         std::printf("seed %u\n", seed);
