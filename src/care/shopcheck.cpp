@@ -25,9 +25,16 @@ const Document Purchase = {"purchase", "purchasemain", "pono", "purchase voucher
 // whole line.
 const char *TotalsDiffer = "abs(m.netamt - l.amount) > 0.005 + 1e-5 * abs(l.amount)";
 
+// A value as the report shows it: a long one (a whole paragraph typed into a field) is cut.
+QString shown(const QString &value)
+{
+    const int most = 60;
+    return value.size() <= most ? value : value.left(most) + QStringLiteral("... (%1 characters)").arg(value.size());
+}
+
 QString naming(const Document &doc, const QString &number, const QString &mode)
 {
-    return QStringLiteral("%1 %2 (%3)").arg(QLatin1String(doc.noun), number, mode);
+    return QStringLiteral("%1 %2 (%3)").arg(QLatin1String(doc.noun), shown(number), shown(mode));
 }
 
 QString figure(double value)
@@ -97,7 +104,7 @@ public:
                            if (row.integer(8))
                                trace(QStringLiteral("A %1 whose total differs from its lines").arg(QLatin1String(doc.noun)),
                                      QStringLiteral("%1 of %2: total %3 in row %4; %5")
-                                         .arg(name, row.text(7), figure(row.number(6)))
+                                         .arg(name, shown(row.text(7)), figure(row.number(6)))
                                          .arg(row.integer(5))
                                          .arg(lineCount));
                        });
@@ -107,7 +114,7 @@ public:
                 return;
             trace(QStringLiteral("A %1 without lines").arg(QLatin1String(doc.noun)),
                   QStringLiteral("%1 of %2: total %3 in row %4")
-                      .arg(naming(doc, figure(row.number(1)), row.text(2)), row.text(3), figure(row.number(4)))
+                      .arg(naming(doc, figure(row.number(1)), row.text(2)), shown(row.text(3)), figure(row.number(4)))
                       .arg(row.integer(0)));
         });
     }
@@ -120,7 +127,7 @@ public:
                            const bool payment = row.text(1).compare(QLatin1String("payment"), Qt::CaseInsensitive) == 0;
                            trace(QStringLiteral("A ledger entry without its balance"),
                                  QStringLiteral("%1 %2 of %3, %4, %5 %6, in row %7")
-                                     .arg(row.text(1), row.text(2), row.text(3), row.text(4), payment ? "debit" : "credit",
+                                     .arg(shown(row.text(1)), shown(row.text(2)), shown(row.text(3)), shown(row.text(4)), payment ? "debit" : "credit",
                                           figure(row.number(payment ? 5 : 6)))
                                      .arg(row.integer(0)));
                        });
@@ -135,7 +142,7 @@ public:
                        [&](const SqliteRow &row) {
                            trace(QStringLiteral("A stock row whose stock is not bought less sold"),
                                  QStringLiteral("%1: bought %2, sold %3, stock %4, in row %5")
-                                     .arg(row.text(1), figure(row.number(2)), figure(row.number(3)),
+                                     .arg(shown(row.text(1)), figure(row.number(2)), figure(row.number(3)),
                                           row.isNull(4) ? QStringLiteral("empty") : figure(row.number(4)))
                                      .arg(row.integer(0)));
                        });
@@ -154,7 +161,7 @@ public:
                                      QStringLiteral("%1.%2 in row %3 holds %4")
                                          .arg(table, name)
                                          .arg(row.integer(0))
-                                         .arg(row.isNull(1) ? QStringLiteral("nothing") : "'" + row.text(1) + "'"));
+                                         .arg(row.isNull(1) ? QStringLiteral("nothing") : "'" + shown(row.text(1)) + "'"));
                            });
         }
     }
