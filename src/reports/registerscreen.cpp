@@ -123,10 +123,22 @@ void RegisterScreen::printClicked()
     lines << m_register->text(0, 1) + spaces(3) + m_register->text(0, 2) + spaces(5) + m_register->text(0, 3) + spaces(7)
                  + m_register->text(0, 4) + spaces(2) + m_register->text(0, 5);
     lines << dashes;
-    for (int row = 1, rows = m_register->rows(); row < rows; ++row)
-        lines << spaces(2) + padRight(m_register->text(row, 1), 5) + spaces(1) + padRight(m_register->text(row, 2), 10) + spaces(1)
-                     + padRight(m_register->text(row, 3), 15) + spaces(1) + padRight(m_register->text(row, 4), 1) + spaces(1)
-                     + padLeft(m_register->text(row, 5), 7);
+    const int rows = m_register->rows();
+    lines.reserve(lines.size() + rows + 3);
+    for (int row = 1; row < rows; ++row) {
+        QString line(2, QLatin1Char(' '));
+        line.reserve(46);
+        appendPaddedRight(line, m_register->text(row, 1), 5);
+        line += QLatin1Char(' ');
+        appendPaddedRight(line, m_register->text(row, 2), 10);
+        line += QLatin1Char(' ');
+        appendPaddedRight(line, m_register->text(row, 3), 15);
+        line += QLatin1Char(' ');
+        appendPaddedRight(line, m_register->text(row, 4), 1);
+        line += QLatin1Char(' ');
+        appendPaddedLeft(line, m_register->text(row, 5), 7);
+        lines << line;
+    }
     lines << dashes << "Total (Rs.)" + spaces(28) + m_total->text() << rule;
     printLines(m_kind.title + " " + m_from->text() + " to " + m_to->text(), lines);
 }

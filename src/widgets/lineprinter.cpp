@@ -3,17 +3,36 @@
 #include "data/unhandlederror.h"
 
 #include <QFile>
+#include <algorithm>
 
 namespace vantrel {
 
+void appendPaddedRight(QString &line, const QString &text, int width)
+{
+    const qsizetype kept = std::min<qsizetype>(text.size(), width);
+    line.append(text.constData(), kept);
+    line.resize(line.size() + width - kept, QLatin1Char(' '));
+}
+
+void appendPaddedLeft(QString &line, const QString &text, int width)
+{
+    const qsizetype kept = std::min<qsizetype>(text.size(), width);
+    line.resize(line.size() + width - kept, QLatin1Char(' '));
+    line.append(text.constData(), kept);
+}
+
 QString padRight(const QString &text, int width)
 {
-    return text.left(width).leftJustified(width, QLatin1Char(' '));
+    QString cell;
+    appendPaddedRight(cell, text, width);
+    return cell;
 }
 
 QString padLeft(const QString &text, int width)
 {
-    return text.left(width).rightJustified(width, QLatin1Char(' '));
+    QString cell;
+    appendPaddedLeft(cell, text, width);
+    return cell;
 }
 
 QString spaces(int count)
@@ -31,10 +50,22 @@ void LinePrinter::print(const QStringList &lines) const
     QFile device(m_devicePath);
     if (!device.open(QIODevice::WriteOnly | QIODevice::Truncate))
         throw UnhandledError(QStringLiteral("Cannot open the printer %1: %2").arg(m_devicePath, device.errorString()));
-    for (const QString &line : lines) {
-        if (device.write(line.toUtf8() + "\r\n") < 0)
+    // Lines are sent in blocks of about BlockBytes: few writes, and never the whole document at once.
+    const qsizetype BlockBytes = 64 * 1024;
+    QByteArray block;
+    block.reserve(BlockBytes + 1024);
+    const auto send = [&] {
+        if (device.write(block) < 0)
             throw UnhandledError(QStringLiteral("Cannot write to the printer %1: %2").arg(m_devicePath, device.errorString()));
+        block.clear();
+    };
+    for (const QString &line : lines) {
+        block += line.toUtf8();
+        block += "\r\n";
+        if (block.size() >= BlockBytes)
+            send();
     }
+    send();
     device.close();
 }
 

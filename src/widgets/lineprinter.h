@@ -10,6 +10,9 @@ namespace vantrel {
 QString padRight(const QString &text, int width);
 QString padLeft(const QString &text, int width);
 QString spaces(int count);
+// The same cells appended to a line being built, without a text of their own.
+void appendPaddedRight(QString &line, const QString &text, int width);
+void appendPaddedLeft(QString &line, const QString &text, int width);
 
 // The line printer: the plain-text file "LPT1" in the program's directory, created or
 // truncated for each document, each line ended by CR LF, and closed. Whoever wants paper links
