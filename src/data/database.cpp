@@ -116,7 +116,17 @@ void Database::execute(const QString &sql)
 
 Recordset Database::query(const QString &sql)
 {
-    QSqlQuery query = forwardQuery(m_connectionName, sql);
+    return readAll(m_connectionName, sql);
+}
+
+Recordset Database::queryAlongside(const PendingQuery &pending, const QString &sql)
+{
+    return readAll(pending.isOpen() ? pending.m_connection : m_connectionName, sql);
+}
+
+Recordset Database::readAll(const QString &connection, const QString &sql)
+{
+    QSqlQuery query = forwardQuery(connection, sql);
     QStringList names;
     const QSqlRecord record = query.record();
     for (int i = 0; i < record.count(); ++i)

@@ -54,6 +54,11 @@ public:
     void execute(const QString &sql);
     // Runs a query and reads all its rows.
     Recordset query(const QString &sql);
+    // The same, read as the pending query reads: on its connection and at its moment, while it
+    // is open (then the pages the pending query has read are at hand); on the database's own
+    // connection once it is closed. Between two statements of one handler nothing is written,
+    // so both read the same file.
+    Recordset queryAlongside(const PendingQuery &pending, const QString &sql);
     // Starts a forward-only query whose rows the caller fetches itself, on a connection of its
     // own (see PendingQuery).
     PendingQuery startQuery(const QString &sql);
@@ -74,6 +79,7 @@ private:
     enum Role { Writer, Reader };
     QString openConnection(const QString &name, Role role); // empty when open, else the reason
     QSqlQuery forwardQuery(const QString &connection, const QString &sql);
+    Recordset readAll(const QString &connection, const QString &sql);
     QString takeReader();
     void giveBack(const QString &reader);
     [[noreturn]] void fail(const QSqlQuery &query) const;

@@ -94,7 +94,7 @@ void RegisterScreen::showClicked()
     const QString from = m_from->date().toString(QStringLiteral("MM/dd/yyyy"));
     const QString to = m_to->date().toString(QStringLiteral("MM/dd/yyyy"));
     m_register->bind(db(), m_kind.listing + from + "' and '" + to + afterTo());
-    const Recordset total = db().query(m_kind.total + from + "' and '" + to + afterTo());
+    const Recordset total = m_register->queryAlongside(m_kind.total + from + "' and '" + to + afterTo());
     m_total->setText(total.isNull("charge") ? QStringLiteral("0") : total.text("charge"));
 }
 

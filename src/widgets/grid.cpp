@@ -60,6 +60,11 @@ bool Grid::bindIfAny(Database &db, const QString &sql)
     return true;
 }
 
+Recordset Grid::queryAlongside(const QString &sql)
+{
+    return m_model->queryAlongside(sql);
+}
+
 void Grid::refresh()
 {
     if (m_model->refresh())

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "data/recordset.h"
+
 #include <QTableView>
 
 namespace vantrel {
@@ -30,6 +32,10 @@ public:
     // Binds only when the query returns a row; otherwise the grid keeps what it showed.
     // Returns whether it bound.
     bool bindIfAny(Database &db, const QString &sql);
+    // A query that belongs with the rows shown (their total), read on the grid's own connection
+    // while it still has rows to fetch: the same file, and the pages already at hand. The grid
+    // must have been bound.
+    Recordset queryAlongside(const QString &sql);
     // Runs the query the grid is bound to again; nothing when it is detached.
     void refresh();
     // Detaches the grid from its data: no columns, no rows.

@@ -115,6 +115,13 @@ QString GridModel::text(int row, int queryColumn) const
     return QString::fromUtf8(m_text.constData() + begin, m_cellEnds[cell] - begin);
 }
 
+Recordset GridModel::queryAlongside(const QString &sql)
+{
+    if (!m_db)
+        throw UnhandledError(QStringLiteral("a grid that was never bound was asked for its total"));
+    return m_db->queryAlongside(m_pending, sql);
+}
+
 void GridModel::clear()
 {
     beginResetModel();

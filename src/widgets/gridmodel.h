@@ -41,6 +41,8 @@ public:
     // The text of a data row (0-based), loading rows up to it; empty beyond the last row.
     QString cell(int row, int column);
     void readToEnd();
+    // Another query read to its end as this one reads (Database::queryAlongside).
+    Recordset queryAlongside(const QString &sql);
 
     int rowCount(const QModelIndex &parent = {}) const override;
     int columnCount(const QModelIndex &parent = {}) const override;
