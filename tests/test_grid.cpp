@@ -51,6 +51,29 @@ private slots:
         QCOMPARE(g.grid.accessibleName(), QStringLiteral("party list"));
     }
 
+    // Every cell reads as the screens read the same value through a recordset: nothing for a
+    // null, whole numbers, reals in their shortest text, texts in any script, on the first
+    // screenful and past it.
+    void cellsReadAsARecordsetReadsThem()
+    {
+        test::TestShop shop;
+        shop.exec("create table kinds(a, b text, c double)");
+        shop.exec("with recursive n(i) as (select 1 union all select i + 1 from n where i < 240) "
+                  "insert into kinds select case i % 6 when 0 then null when 1 then i when 2 then i * 1000000000000000 "
+                  "when 3 then 0.1 * i + 0.2 when 4 then x'00ff41' else '\u0926\u0935\u093e \u20b9' || i end, "
+                  "'RAM''S ' || i, case when i % 2 = 0 then i / 7.0 else i end from n");
+        Grid grid(QStringLiteral("lines grid"));
+        grid.bind(shop.db(), "select a, b, c from kinds");
+        const QList<QStringList> expected = shop.rows("select a, b, c from kinds");
+        QCOMPARE(grid.rows() - 1, int(expected.size()));
+        for (int row = 0; row < expected.size(); ++row)
+            for (int col = 0; col < 3; ++col)
+                QCOMPARE(grid.text(row + 1, col), expected[row][col]);
+        QCOMPARE(grid.text(3, 0), QStringLiteral("0.5"));
+        QCOMPARE(grid.text(2, 2), QStringLiteral("0.2857142857142857")); // 2 / 7 in its shortest exact text
+        QCOMPARE(grid.text(6, 0), QString());
+    }
+
     void afterABindRowOneColumnZeroIsCurrent()
     {
         BoundGrid g;

@@ -1,5 +1,7 @@
 #include "database.h"
 
+#include <QSqlResult>
+
 #include "connectionstring.h"
 #include "engineforms.h"
 #include "shortdate.h"
@@ -200,6 +202,15 @@ PendingQuery &PendingQuery::operator=(PendingQuery &&other) noexcept
 PendingQuery::~PendingQuery()
 {
     close();
+}
+
+sqlite3_stmt *PendingQuery::statement() const
+{
+    const QSqlResult *result = m_db ? m_query.result() : nullptr;
+    const QVariant handle = result ? result->handle() : QVariant();
+    if (qstrcmp(handle.typeName(), "sqlite3_stmt*") != 0)
+        return nullptr;
+    return *static_cast<sqlite3_stmt *const *>(handle.constData());
 }
 
 // The statement ends, which ends its reading of the file, before its connection is spare.

@@ -9,6 +9,8 @@
 #include <QVector>
 #include <functional>
 
+struct sqlite3_stmt;
+
 namespace vantrel {
 
 class Database;
@@ -25,6 +27,10 @@ public:
     ~PendingQuery();
 
     QSqlQuery &query() { return m_query; }
+    // The engine's statement under the query, to read the rows from the first one on without
+    // making a value of each: once next() has taken the first row, the statement stands on it,
+    // and stepping it gives the rows after. Null when the query is not open.
+    sqlite3_stmt *statement() const;
     bool isOpen() const { return m_db != nullptr; }
     void close();
 

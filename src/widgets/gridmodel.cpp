@@ -1,9 +1,11 @@
 #include "gridmodel.h"
 
+#include "data/records.h"
 #include "data/recordset.h"
 #include "data/unhandlederror.h"
 
 #include <QElapsedTimer>
+#include <sqlite3.h>
 #include <QSqlError>
 #include <QSqlField>
 #include <QSqlRecord>
@@ -76,7 +78,7 @@ bool GridModel::bind(Database &db, const QString &sql, BindMode mode)
     m_cellEnds.clear();
     m_loaded = 0;
     if (hasRow) {
-        appendCurrentRow();
+        appendCurrentRow(m_pending.statement());
         m_loaded = 1;
         m_reading = true;
     } else {
@@ -99,11 +101,24 @@ bool GridModel::refresh()
     return bind(*m_db, m_sql, Always);
 }
 
-void GridModel::appendCurrentRow()
+// The row the statement stands on, each value's text as displayText() gives it, written straight
+// into the buffer: a text's own UTF-8, a whole number's digits, a real number's doubleText().
+void GridModel::appendCurrentRow(sqlite3_stmt *statement)
 {
-    const QSqlQuery &query = m_pending.query();
     for (int i = 0; i < m_headings.size(); ++i) {
-        m_text += displayText(query.value(i)).toUtf8();
+        switch (sqlite3_column_type(statement, i)) {
+        case SQLITE_NULL:
+            break;
+        case SQLITE_INTEGER:
+            m_text += QByteArray::number(sqlite3_column_int64(statement, i));
+            break;
+        case SQLITE_FLOAT:
+            m_text += doubleText(sqlite3_column_double(statement, i)).toUtf8();
+            break;
+        default: // a text, or bytes, which the grid shows as text
+            m_text.append(reinterpret_cast<const char *>(sqlite3_column_text(statement, i)), sqlite3_column_bytes(statement, i));
+            break;
+        }
         m_cellEnds << quint32(m_text.size());
     }
 }
@@ -172,20 +187,23 @@ void GridModel::fetch(int count, qint64 maxNanoseconds, bool announce)
         return;
     QElapsedTimer clock;
     clock.start();
-    QSqlQuery &query = m_pending.query();
+    sqlite3_stmt *statement = m_pending.statement();
     int added = 0;
     bool atEnd = false;
+    QString failure;
     while (added < count) {
         if (maxNanoseconds >= 0 && added % 64 == 63 && clock.nsecsElapsed() > maxNanoseconds)
             break;
-        if (!query.next()) {
+        const int step = sqlite3_step(statement);
+        if (step != SQLITE_ROW) {
+            if (step != SQLITE_DONE)
+                failure = QString::fromUtf8(sqlite3_errmsg(sqlite3_db_handle(statement)));
             atEnd = true;
             break;
         }
-        appendCurrentRow();
+        appendCurrentRow(statement);
         ++added;
     }
-    const QSqlError error = query.lastError();
     if (added > 0) {
         if (announce)
             beginInsertRows({}, m_loaded, m_loaded + added - 1);
@@ -197,8 +215,8 @@ void GridModel::fetch(int count, qint64 maxNanoseconds, bool announce)
         stopReading();
     else
         m_idleFetch.start(maxNanoseconds >= 0 ? 0 : QuietMilliseconds);
-    if (error.isValid())
-        throw UnhandledError(Database::engineMessage(error));
+    if (!failure.isEmpty())
+        throw UnhandledError(failure);
 }
 
 void GridModel::fetchWhileIdle()

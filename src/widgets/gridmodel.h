@@ -58,7 +58,7 @@ signals:
 private:
     void fetch(int count, qint64 maxNanoseconds = -1, bool announce = true);
     void fetchWhileIdle();
-    void appendCurrentRow();
+    void appendCurrentRow(sqlite3_stmt *statement);
     void stopReading();
     QString text(int row, int queryColumn) const;
 
