@@ -352,15 +352,17 @@ void Session::run()
 
     openScreen("dwsrpt");
     QWidget *registerScreen = m_window->screen(QStringLiteral("dwsrpt"));
-    Row &month = row(QStringLiteral("date-wise register of a month, shown + printed"), 150);
+    const auto showAndPrint = [&](Row &timed, int samples) {
+        for (int i = 0; i < samples; ++i) {
+            measure(timed, [&] {
+                button(registerScreen, QStringLiteral("&Show"))->click();
+                button(registerScreen, QStringLiteral("Print"))->click();
+            });
+            idle(50);
+        }
+    };
     setSpan(registerScreen, QStringLiteral("From"), QStringLiteral("To"), QDate(2026, 11, 1), QDate(2026, 11, 30));
-    for (int i = 0; i < std::max(3, n / 4); ++i) {
-        measure(month, [&] {
-            button(registerScreen, QStringLiteral("&Show"))->click();
-            button(registerScreen, QStringLiteral("Print"))->click();
-        });
-        idle(50);
-    }
+    showAndPrint(row(QStringLiteral("date-wise register of a month, shown + printed"), 150), std::max(3, n / 4));
     Row &monthShown = row(QStringLiteral("  of which shown"), 0);
     Row &monthPrinted = row(QStringLiteral("  of which printed"), 0);
     for (int i = 0; i < std::max(3, n / 4); ++i) {
@@ -368,15 +370,8 @@ void Session::run()
         measure(monthPrinted, [&] { button(registerScreen, QStringLiteral("Print"))->click(); });
         idle(50);
     }
-    Row &year = row(QStringLiteral("date-wise register of a year, shown + printed"), 0);
     setSpan(registerScreen, QStringLiteral("From"), QStringLiteral("To"), QDate(2026, 1, 1), QDate(2026, 12, 31));
-    for (int i = 0; i < std::max(2, n / 10); ++i) {
-        measure(year, [&] {
-            button(registerScreen, QStringLiteral("&Show"))->click();
-            button(registerScreen, QStringLiteral("Print"))->click();
-        });
-        idle(50);
-    }
+    showAndPrint(row(QStringLiteral("date-wise register of a year, shown + printed"), 0), std::max(2, n / 10));
 }
 
 // Peak resident memory of this process so far, in MB.

@@ -1,8 +1,8 @@
 #include "shopfile.h"
 
+#include "care/sqlitefile.h"
 #include "data/schema.h"
 #include "data/shortdate.h"
-#include "data/unhandlederror.h"
 
 #include <QFile>
 #include <QVector>
@@ -57,28 +57,20 @@ struct Statement {
     ~Statement() { sqlite3_finalize(handle); }
 };
 
+// Bulk inserts into the new file in one transaction, each statement prepared once and bound.
 class Writer {
 public:
-    explicit Writer(const QString &path)
+    explicit Writer(const QString &path) : m_file(path, SqliteFile::Access::ReadWrite)
     {
-        if (sqlite3_open_v2(path.toUtf8().constData(), &m_db, SQLITE_OPEN_READWRITE, nullptr) != SQLITE_OK)
-            fail();
-        run("pragma synchronous=off");
-        run("begin");
-    }
-    ~Writer() { sqlite3_close(m_db); }
-
-    void run(const char *sql)
-    {
-        if (sqlite3_exec(m_db, sql, nullptr, nullptr, nullptr) != SQLITE_OK)
-            fail();
+        m_file.execute(QStringLiteral("pragma synchronous=off"));
+        m_file.execute(QStringLiteral("begin"));
     }
 
     // Prepares an insert whose values are all bound by insert().
     void prepare(Statement &s, const char *sql)
     {
-        if (sqlite3_prepare_v2(m_db, sql, -1, &s.handle, nullptr) != SQLITE_OK)
-            fail();
+        if (sqlite3_prepare_v2(m_file.handle(), sql, -1, &s.handle, nullptr) != SQLITE_OK)
+            m_file.fail(QString::fromUtf8(sql));
     }
 
     // Binds VALUES in order (a QString as text, a double as a number, a null QVariant as null) and runs it.
@@ -96,19 +88,18 @@ public:
                 sqlite3_bind_double(s.handle, i, v.toDouble());
         }
         if (sqlite3_step(s.handle) != SQLITE_DONE)
-            fail();
+            m_file.fail(QString::fromUtf8(sqlite3_sql(s.handle)));
         sqlite3_reset(s.handle);
     }
 
     void finish()
     {
-        run("commit");
-        run("pragma wal_checkpoint(truncate)");
+        m_file.execute(QStringLiteral("commit"));
+        m_file.execute(QStringLiteral("pragma wal_checkpoint(truncate)"));
     }
 
 private:
-    [[noreturn]] void fail() { throw UnhandledError(QString::fromUtf8(sqlite3_errmsg(m_db))); }
-    sqlite3 *m_db = nullptr;
+    SqliteFile m_file;
 };
 
 // A figure as the screens write it: single precision, shortest text.

@@ -51,33 +51,21 @@ struct EntryScreen {
     QStringList writes;
 };
 
-void pickFromList(QWidget *screen, const QString &label, const QString &text, const QString &list)
-{
-    test::type(screen, label, text);
-    test::grid(screen, list)->setFocus();
-    QTest::keyClick(test::grid(screen, list), Qt::Key_Return);
-}
-
 QList<EntryScreen> entryScreens()
 {
     return {
         {"sale",
          [](QWidget *s) {
              test::type(s, "C/D", "C");
-             pickFromList(s, "Party:", "RAM", "party list");
-             test::type(s, "item code", "8901");
-             test::press(s, "item code", Qt::Key_Return);
-             test::type(s, "Qty", "2");
+             test::pickFromList(s, "Party:", "RAM", "party list");
+             test::keyItem(s, "item code", "8901", "2");
          },
          "&Add", {"sales", "ledger", "stock", "salesmain"}},
         {"pur",
          [](QWidget *s) {
              test::type(s, "C/D", "C");
-             pickFromList(s, "Party:", "RAM", "party grid");
-             test::type(s, "Item code", "8901");
-             test::press(s, "Item code", Qt::Key_Return);
-             field(s, "Rate")->setText("9.5");
-             test::type(s, "Qty", "2");
+             test::pickFromList(s, "Party:", "RAM", "party grid");
+             test::keyItem(s, "Item code", "8901", "2", "9.5");
          },
          "&Add", {"purchase", "stock", "purchasemain"}},
         {"rcpt",

@@ -69,15 +69,11 @@ struct CareDesk : test::Desk {
         auto *sales = open<SalesScreen>("sale");
         field(sales, "C/D")->clear();
         test::type(sales, "C/D", mode);
-        test::type(sales, "Party:", "RAM");
-        test::grid(sales, "party list")->setFocus();
-        QTest::keyClick(test::grid(sales, "party list"), Qt::Key_Return);
+        test::pickFromList(sales, "Party:", "RAM", "party list");
         for (const QString &code : codes) {
             if (!shop.unhandledErrors.isEmpty())
                 return; // the program has ended
-            test::type(sales, "item code", code);
-            test::press(sales, "item code", Qt::Key_Return);
-            test::type(sales, "Qty", "2");
+            test::keyItem(sales, "item code", code, "2");
             test::click(sales, "&Add");
         }
     }
@@ -93,10 +89,7 @@ struct CareDesk : test::Desk {
         test::type(screen, "Party:", "RAM");
         QTest::keyClick(field(screen, "Party:"), Qt::Key_Down);
         QTest::keyClick(test::grid(screen, "party grid"), Qt::Key_Return);
-        test::type(screen, "Item code", code);
-        test::press(screen, "Item code", Qt::Key_Return);
-        field(screen, "Rate")->setText("40");
-        test::type(screen, "Qty", "5");
+        test::keyItem(screen, "Item code", code, "5", "40");
         test::click(screen, "&Add");
     }
     void receipt()
@@ -134,9 +127,7 @@ QList<CutAction> actions()
         {"a credit sale's second line", [](CareDesk &d) { d.sale("D", {"8901"}); },
          [](CareDesk &d) {
              auto *sales = d.window.screen("sale");
-             test::type(sales, "item code", "8902");
-             test::press(sales, "item code", Qt::Key_Return);
-             test::type(sales, "Qty", "2");
+             test::keyItem(sales, "item code", "8902", "2");
              test::click(sales, "&Add");
          },
          // the line, the payment, its balance, the stock, then the invoice's total
@@ -256,9 +247,7 @@ private slots:
         d.cut = 1;
         d.writes = 0;
         auto *sales = d.window.screen("sale");
-        test::type(sales, "item code", "8902");
-        test::press(sales, "item code", Qt::Key_Return);
-        test::type(sales, "Qty", "2");
+        test::keyItem(sales, "item code", "8902", "2");
         test::click(sales, "&Add");
         const QString text = checkShopFile(shopFile(d.shop), CheckDepth::Full).text();
         QVERIFY2(text.contains("A sales invoice whose total differs from its lines: sales invoice 1 (D) of RAM STORES: total 25 in row 1; "

@@ -125,9 +125,7 @@ private:
     {
         test::field(screen, "C/D")->clear();
         test::type(screen, "C/D", mode);
-        test::type(screen, "Party:", partyName(int(m_random.bounded(Parties))));
-        test::grid(screen, partyGrid)->setFocus();
-        QTest::keyClick(test::grid(screen, partyGrid), Qt::Key_Return);
+        test::pickFromList(screen, "Party:", partyName(int(m_random.bounded(Parties))), partyGrid);
         return text(screen, numberLabel);
     }
     QStringList addLines(QWidget *screen, const QString &codeLabel, int lines, bool withRate)
@@ -135,11 +133,8 @@ private:
         QStringList names;
         for (int line = 0; line < lines; ++line) {
             const int product = 1 + int(m_random.bounded(Products));
-            test::type(screen, codeLabel, productCode(product));
-            test::press(screen, codeLabel, Qt::Key_Return);
-            if (withRate)
-                test::field(screen, "Rate")->setText(QString::number(2 + m_random.bounded(50)));
-            test::type(screen, "Qty", QString::number(1 + m_random.bounded(9)));
+            const QString rate = withRate ? QString::number(2 + m_random.bounded(50)) : QString();
+            test::keyItem(screen, codeLabel, productCode(product), QString::number(1 + m_random.bounded(9)), rate);
             test::click(screen, "&Add");
             names << productName(product);
         }

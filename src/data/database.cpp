@@ -1,7 +1,5 @@
 #include "database.h"
 
-#include <QSqlResult>
-
 #include "connectionstring.h"
 #include "engineforms.h"
 #include "shortdate.h"
@@ -11,6 +9,7 @@
 #include <QSqlDriver>
 #include <QSqlError>
 #include <QSqlRecord>
+#include <QSqlResult>
 #include <sqlite3.h>
 #include <utility>
 

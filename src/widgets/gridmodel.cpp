@@ -5,11 +5,11 @@
 #include "data/unhandlederror.h"
 
 #include <QElapsedTimer>
-#include <sqlite3.h>
 #include <QSqlError>
 #include <QSqlField>
 #include <QSqlRecord>
 #include <limits>
+#include <sqlite3.h>
 
 namespace vantrel {
 

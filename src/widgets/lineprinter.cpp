@@ -50,22 +50,11 @@ void LinePrinter::print(const QStringList &lines) const
     QFile device(m_devicePath);
     if (!device.open(QIODevice::WriteOnly | QIODevice::Truncate))
         throw UnhandledError(QStringLiteral("Cannot open the printer %1: %2").arg(m_devicePath, device.errorString()));
-    // Lines are sent in blocks of about BlockBytes: few writes, and never the whole document at once.
-    const qsizetype BlockBytes = 64 * 1024;
-    QByteArray block;
-    block.reserve(BlockBytes + 1024);
-    const auto send = [&] {
-        if (device.write(block) < 0)
-            throw UnhandledError(QStringLiteral("Cannot write to the printer %1: %2").arg(m_devicePath, device.errorString()));
-        block.clear();
-    };
+    // The file buffers the writes itself.
     for (const QString &line : lines) {
-        block += line.toUtf8();
-        block += "\r\n";
-        if (block.size() >= BlockBytes)
-            send();
+        if (device.write(line.toUtf8()) < 0 || device.write("\r\n", 2) < 0)
+            throw UnhandledError(QStringLiteral("Cannot write to the printer %1: %2").arg(m_devicePath, device.errorString()));
     }
-    send();
     device.close();
 }
 

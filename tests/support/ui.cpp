@@ -56,6 +56,22 @@ void click(QWidget *root, const QString &caption)
     QTest::mouseClick(button(root, caption), Qt::LeftButton);
 }
 
+void pickFromList(QWidget *root, const QString &label, const QString &text, const QString &list)
+{
+    type(root, label, text);
+    grid(root, list)->setFocus();
+    QTest::keyClick(grid(root, list), Qt::Key_Return);
+}
+
+void keyItem(QWidget *root, const QString &codeLabel, const QString &code, const QString &qty, const QString &rate)
+{
+    type(root, codeLabel, code);
+    press(root, codeLabel, Qt::Key_Return);
+    if (!rate.isEmpty())
+        field(root, QStringLiteral("Rate"))->setText(rate);
+    type(root, QStringLiteral("Qty"), qty);
+}
+
 void clickCell(Grid *grid, int row, int col)
 {
     if (row == 0) {

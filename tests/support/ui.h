@@ -27,6 +27,10 @@ QPushButton *button(QWidget *root, const QString &caption);
 void type(QWidget *root, const QString &label, const QString &text);
 void press(QWidget *root, const QString &label, Qt::Key key);
 void click(QWidget *root, const QString &caption);
+// Types TEXT into the search field LABEL, then takes the list's current row with Enter in the list.
+void pickFromList(QWidget *root, const QString &label, const QString &text, const QString &list);
+// Keys a line's item: its code and Enter in CODELABEL, the rate when one is given, the quantity.
+void keyItem(QWidget *root, const QString &codeLabel, const QString &code, const QString &qty, const QString &rate = {});
 // A mouse click on a cell; row 0 clicks the heading of the column.
 void clickCell(Grid *grid, int row, int col);
 
