@@ -1,5 +1,6 @@
 #include "mainwindow.h"
 
+#include "closedmenukeys.h"
 #include "menutable.h"
 #include "widgets/messageboxdialogs.h"
 #include "widgets/screen.h"
@@ -26,6 +27,7 @@ MainWindow::MainWindow(Services &services, QWidget *parent)
     m_mdiArea->viewport()->installEventFilter(this);
     connect(m_mdiArea, &QMdiArea::subWindowActivated, this, &MainWindow::subWindowActivated);
     buildMenus();
+    new ClosedMenuKeys(this);
     buildStatusLine();
     m_services.openScreen = [this](const QString &entryName) { return screen(entryName); };
     m_services.showPrinted = [this](const QString &text) { m_printed->setText(text); };

@@ -133,19 +133,17 @@ public:
                        });
     }
 
-    // Stock is what was bought less what was sold; the figures are kept in single precision.
+    // A product's first purchase inserts its stock row, then gives it its stock. Every other
+    // write sets a row's figures in one statement. Bought less sold is no rule: a cancel writes
+    // its two figures as whole numbers, so a fractional quantity leaves them apart.
     void stock()
     {
-        m_file.eachRow(QStringLiteral("select rowid, prodname, totqty, usedqty, stk from stock where stk is null or "
-                                      "abs(stk - (coalesce(totqty, 0) - coalesce(usedqty, 0))) > 0.01 + 1e-5 * (abs(coalesce(totqty, 0)) + "
-                                      "abs(coalesce(usedqty, 0)))"),
-                       [&](const SqliteRow &row) {
-                           trace(QStringLiteral("A stock row whose stock is not bought less sold"),
-                                 QStringLiteral("%1: bought %2, sold %3, stock %4, in row %5")
-                                     .arg(shown(row.text(1)), figure(row.number(2)), figure(row.number(3)),
-                                          row.isNull(4) ? QStringLiteral("empty") : figure(row.number(4)))
-                                     .arg(row.integer(0)));
-                       });
+        m_file.eachRow(QStringLiteral("select rowid, prodname, totqty, usedqty from stock where stk is null"), [&](const SqliteRow &row) {
+            trace(QStringLiteral("A stock row without its stock"),
+                  QStringLiteral("%1: bought %2, sold %3, in row %4")
+                      .arg(shown(row.text(1)), figure(row.number(2)), figure(row.number(3)))
+                      .arg(row.integer(0)));
+        });
     }
 
     // Files made before the numbering guards can hold a text where a number belongs.

@@ -184,8 +184,12 @@ void InvoiceScreen::prepareForDocument()
 void InvoiceScreen::modeChanged()
 {
     static const QStringList modes = {"D", "C", "d", "c"};
-    if (!mode().isEmpty() && !modes.contains(mode()))
-        dialogs().inform(QStringLiteral("Enter C/D only"));
+    if (mode().isEmpty() || modes.contains(mode()))
+        return;
+    dialogs().inform(QStringLiteral("Enter C/D only"));
+    // The letter still starts a document of its own series: its release, which the box took
+    // on a real desktop, counts in the mode field.
+    m_modeEvents->releaseKeyTakenByBox();
 }
 
 void InvoiceScreen::startDocument(const QString &numberingQuery, const QString &column)

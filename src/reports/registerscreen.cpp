@@ -70,7 +70,7 @@ RegisterScreen::RegisterScreen(Services &services, const Kind &kind, const QStri
     on(m_register, &Grid::clicked, &RegisterScreen::registerClicked);
     on(print, &QPushButton::clicked, &RegisterScreen::printClicked);
     alignNumbers({m_total});
-    setKeysHint(QStringLiteral("Alt+S shows \u00b7 click a number: that document in its screen"));
+    setKeysHint(QStringLiteral("Alt+S shows \u00b7 a clicked number and its mode go into the open document screen (nothing is loaded)"));
 }
 
 void RegisterScreen::activated()

@@ -5,6 +5,7 @@
 #include <QApplication>
 #include <QKeyEvent>
 #include <QWidget>
+#include <utility>
 
 namespace vantrel {
 
@@ -19,13 +20,17 @@ bool FieldEvents::eventFilter(QObject *, QEvent *event)
     case QEvent::KeyPress: {
         const auto *key = static_cast<QKeyEvent *>(event);
         m_pressedHere.insert(key->key());
+        m_pendingPress = key->key();
         emit keyPressed(key->key());
         break;
     }
     case QEvent::KeyRelease: {
         const auto *key = static_cast<QKeyEvent *>(event);
-        if (!key->isAutoRepeat() && m_pressedHere.remove(key->key()))
+        if (!key->isAutoRepeat() && m_pressedHere.remove(key->key())) {
+            if (key->key() == m_pendingPress)
+                m_pendingPress = 0;
             emit keyReleased(key->key());
+        }
         break;
     }
     case QEvent::MouseButtonRelease:
@@ -35,9 +40,14 @@ bool FieldEvents::eventFilter(QObject *, QEvent *event)
         emit focusGained();
         break;
     case QEvent::FocusOut:
-        // A key held while the focus leaves is released elsewhere, or here after the focus came
-        // back from somewhere it was not pressed: neither is a release in this field.
-        m_pressedHere.clear();
+        // A key held while the focus goes to another widget, a box or a menu is released there,
+        // or here after the focus came back from somewhere it was not pressed: neither is a
+        // release in this field. The window losing the activation to nothing and getting it back
+        // (a window manager does that as a menu closes) takes no key away.
+        if (QApplication::focusWidget() || QApplication::activeModalWidget() || QApplication::activePopupWidget())
+            m_pressedHere.clear();
+        if (!QApplication::activeModalWidget())
+            m_pendingPress = 0;
         if (focusStayedOnScreen())
             emit focusLost();
         break;
@@ -45,6 +55,15 @@ bool FieldEvents::eventFilter(QObject *, QEvent *event)
         break;
     }
     return false;
+}
+
+void FieldEvents::releaseKeyTakenByBox()
+{
+    const int key = std::exchange(m_pendingPress, 0);
+    if (key == 0)
+        return;
+    m_pressedHere.remove(key);
+    emit keyReleased(key);
 }
 
 bool FieldEvents::focusStayedOnScreen() const

@@ -1,5 +1,6 @@
 #include "grid.h"
 
+#include "currentcelldelegate.h"
 #include "gridmodel.h"
 
 #include <QHeaderView>
@@ -12,6 +13,7 @@ Grid::Grid(const QString &accessibleName, QWidget *parent) : QTableView(parent),
 {
     setAccessibleName(accessibleName);
     setModel(m_model);
+    setItemDelegate(new CurrentCellDelegate(this));
     setEditTriggers(QAbstractItemView::NoEditTriggers);
     setSelectionMode(QAbstractItemView::SingleSelection);
     showWhereTheKeyboardIs();
@@ -29,7 +31,7 @@ Grid::Grid(const QString &accessibleName, QWidget *parent) : QTableView(parent),
 
 // The operator must see where Enter will go: a grid with the keyboard has a frame in the
 // highlight colour and its current row in the highlight; without the keyboard the frame is plain
-// and the current row a pale grey. The current cell is the model's, whatever row is painted.
+// and the current row a pale grey. Inside the row the current cell has a frame of its own.
 void Grid::showWhereTheKeyboardIs()
 {
     setSelectionBehavior(QAbstractItemView::SelectRows);

@@ -20,20 +20,6 @@ const int Screenful = 100;
 const int QuietMilliseconds = 1000;
 const qint64 IdleSliceNanoseconds = 4'000'000;
 
-// A column the engine declares, or computes, as a number.
-bool isNumberType(QMetaType type)
-{
-    switch (type.id()) {
-    case QMetaType::Int:
-    case QMetaType::UInt:
-    case QMetaType::LongLong:
-    case QMetaType::ULongLong:
-    case QMetaType::Double:
-        return true;
-    default:
-        return false;
-    }
-}
 } // namespace
 
 GridModel::GridModel(QObject *parent) : QAbstractTableModel(parent)
@@ -68,12 +54,10 @@ bool GridModel::bind(Database &db, const QString &sql, BindMode mode)
     m_sql = sql;
     m_pending = std::move(pending);
     m_headings.clear();
-    m_numeric.clear();
     const QSqlRecord record = m_pending.query().record();
-    for (int i = 0; i < record.count(); ++i) {
+    for (int i = 0; i < record.count(); ++i)
         m_headings << record.fieldName(i);
-        m_numeric << isNumberType(record.field(i).metaType());
-    }
+    m_numberCells.clear();
     m_text.clear();
     m_cellEnds.clear();
     m_loaded = 0;
@@ -106,7 +90,9 @@ bool GridModel::refresh()
 void GridModel::appendCurrentRow(sqlite3_stmt *statement)
 {
     for (int i = 0; i < m_headings.size(); ++i) {
-        switch (sqlite3_column_type(statement, i)) {
+        const int type = sqlite3_column_type(statement, i);
+        m_numberCells.push_back(type == SQLITE_INTEGER || type == SQLITE_FLOAT);
+        switch (type) {
         case SQLITE_NULL:
             break;
         case SQLITE_INTEGER:
@@ -143,7 +129,7 @@ void GridModel::clear()
     stopReading();
     m_sql.clear();
     m_headings.clear();
-    m_numeric.clear();
+    m_numberCells.clear();
     m_text.clear();
     m_cellEnds.clear();
     m_loaded = 0;
@@ -248,11 +234,13 @@ int GridModel::columnCount(const QModelIndex &parent) const
 QVariant GridModel::data(const QModelIndex &index, int role) const
 {
     const int column = index.column() - (m_leading ? 1 : 0);
-    if (role == Qt::TextAlignmentRole && column >= 0 && column < m_numeric.size())
-        return QVariant::fromValue(Qt::AlignVCenter | (m_numeric[column] ? Qt::AlignRight : Qt::AlignLeft));
-    if (role != Qt::DisplayRole && role != Qt::AccessibleTextRole)
-        return {};
     if (column < 0 || index.row() >= m_loaded || column >= m_headings.size())
+        return {};
+    if (role == Qt::TextAlignmentRole) {
+        const bool number = m_numberCells[size_t(index.row()) * size_t(m_headings.size()) + size_t(column)];
+        return QVariant::fromValue(Qt::AlignVCenter | (number ? Qt::AlignRight : Qt::AlignLeft));
+    }
+    if (role != Qt::DisplayRole && role != Qt::AccessibleTextRole)
         return {};
     return text(index.row(), column);
 }

@@ -7,6 +7,7 @@
 #include <QStringList>
 #include <QTimer>
 #include <QVector>
+#include <vector>
 
 namespace vantrel {
 
@@ -68,12 +69,12 @@ private:
     bool m_reading = false;
     bool m_leading = false;
     QStringList m_headings;
-    QVector<bool> m_numeric; // per query column: the engine gives numbers there
     // The loaded rows' texts, row after row, as UTF-8 in one buffer: a hundred thousand rows
     // cost a few megabytes and are freed at once. Cell k (row * columns + column) ends at
     // m_cellEnds[k] and begins where cell k - 1 ends.
     QByteArray m_text;
     QVector<quint32> m_cellEnds;
+    std::vector<bool> m_numberCells; // cell k holds a number (shown on the right)
     int m_loaded = 0;
     QTimer m_idleFetch;
 };

@@ -154,6 +154,13 @@ class Program:
         subprocess.run(["xdotool", "key", "--delay", "120"] + list(names), check=True)
         time.sleep(0.15)
 
+    def hold(self, key, seconds=0.1):
+        """Presses KEY, holds it SECONDS, then releases it: a person's keystroke, whose release
+        comes after whatever the press brought up."""
+        subprocess.run(["xdotool", "keydown", key], check=True)
+        time.sleep(seconds)
+        subprocess.run(["xdotool", "keyup", key], check=True)
+
     def choose_from_menu(self, entry, menu=None):
         """Opens the menu entry ENTRY (of MENU, where two menus have one) with F10, arrows and
         Enter, and returns the caption of the screen it opens."""
@@ -264,7 +271,7 @@ class Program:
         folder = os.environ.get("VANTREL_SHOTS")
         if folder:
             os.makedirs(folder, exist_ok=True)
-            subprocess.run("xwd -root -silent | convert xwd:- '%s/%s.png'" % (folder, name), shell=True)
+            subprocess.run("xwd -root -silent | /usr/bin/convert xwd:- '%s/%s.png'" % (folder, name), shell=True)
 
     def pixel(self, x, y):
         """The colour the X server shows at (X, Y), as (red, green, blue)."""

@@ -135,6 +135,22 @@ def changing_c_to_d(program_dir):
     p.no_message_box("changing the mode")
 
 
+def a_wrong_mode_letter_still_starts_its_own_series(program_dir):
+    p = program(program_dir)
+    for caption, number in (("Sales", "Invoice No :"), ("Purchase", "Purchse Order No :")):
+        if caption == "Purchase":
+            p.choose_from_menu("Purchase")
+            wait_for("the keyboard in Purchase", lambda: p.focused_screen() == "Purchase" and p.focused_name() == "C/D")
+        screen = p.screen(caption)
+        p.hold("x")
+        p.answer("Enter C/D only", "Return")
+        wait_for(caption + ": the number of the X series", lambda: p.text(number, screen) == "1")
+        equal(p.text("C/D", screen), "X", caption + ": mode")
+        check(p.enabled("Add", screen), caption + ": Add is disabled after the wrong letter")
+        wait_for(caption + ": the keyboard in Party:", lambda: p.focused_name() == "Party:")
+        p.no_message_box(caption + ": the box's Enter")
+
+
 def start_a_purchase(p):
     """Opens Purchase from the menu and types D; the menu's Enter itself starts nothing."""
     p.choose_from_menu("Purchase")
@@ -230,6 +246,7 @@ if __name__ == "__main__":
     run([
         a_credit_sale_keyed_from_the_menu_to_the_end,
         changing_c_to_d,
+        a_wrong_mode_letter_still_starts_its_own_series,
         a_typed_letter_in_a_list_chooses_the_row_it_is_on,
         another_screen_opened_while_the_party_list_shows_stays,
         a_bare_enter_on_the_cancel_question_deletes_nothing,
