@@ -1,5 +1,6 @@
 #include "fieldevents.h"
 
+#include "keyboardstate.h"
 #include "screen.h"
 
 #include <QApplication>
@@ -12,6 +13,24 @@ namespace vantrel {
 FieldEvents::FieldEvents(QWidget *field) : QObject(field), m_field(field)
 {
     field->installEventFilter(this);
+    m_releaseCheck.setInterval(250);
+    m_releaseCheck.setSingleShot(true);
+    connect(&m_releaseCheck, &QTimer::timeout, this, &FieldEvents::countReleasesGoneElsewhere);
+}
+
+void FieldEvents::countReleasesGoneElsewhere()
+{
+    const QList<int> keys = m_pressedHere.keys();
+    for (int key : keys) {
+        const KeyState state = keyState(m_pressedHere.value(key));
+        if (state == KeyState::Down)
+            m_releaseCheck.start();
+        if (state != KeyState::Up || !m_pressedHere.remove(key))
+            continue;
+        if (key == m_pendingPress)
+            m_pendingPress = 0;
+        emit keyReleased(key);
+    }
 }
 
 bool FieldEvents::eventFilter(QObject *, QEvent *event)
@@ -19,7 +38,8 @@ bool FieldEvents::eventFilter(QObject *, QEvent *event)
     switch (event->type()) {
     case QEvent::KeyPress: {
         const auto *key = static_cast<QKeyEvent *>(event);
-        m_pressedHere.insert(key->key());
+        m_pressedHere.insert(key->key(), key->nativeScanCode());
+        m_releaseCheck.start();
         m_pendingPress = key->key();
         emit keyPressed(key->key());
         break;

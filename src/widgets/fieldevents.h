@@ -1,7 +1,8 @@
 #pragma once
 
 #include <QObject>
-#include <QSet>
+#include <QHash>
+#include <QTimer>
 
 class QWidget;
 
@@ -42,9 +43,14 @@ private:
     bool focusStayedOnScreen() const;
 
     QWidget *m_field;
-    QSet<int> m_pressedHere;
+    // A key pressed here whose release X gave to no window of ours (it happens while a window
+    // manager moves the activation as a menu closes) counts as released once X says it is up.
+    void countReleasesGoneElsewhere();
+
+    QHash<int, quint32> m_pressedHere; // key -> its X key code
     // The last key pressed here, until its release or until the focus goes anywhere but a box.
     int m_pendingPress = 0;
+    QTimer m_releaseCheck;
 };
 
 } // namespace vantrel

@@ -15,7 +15,7 @@ struct Desk {
     TestShop shop;
     MainWindow window{shop.services()};
 
-    Desk()
+    explicit Desk(TestShop::Start start = TestShop::Empty) : shop(start)
     {
         window.show();
         QApplication::setActiveWindow(&window);

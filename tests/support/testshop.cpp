@@ -5,6 +5,7 @@
 #include "data/unhandlederror.h"
 
 #include <QDir>
+#include <QFile>
 #include <QTest>
 
 namespace vantrel::test {
@@ -19,12 +20,24 @@ bool ScriptedDialogs::ask(const QString &question)
     return answers.takeFirst();
 }
 
-TestShop::TestShop() : m_dir(QDir::tempPath() + QStringLiteral("/vantrel shop-XXXXXX"))
+TestShop::TestShop(Start start) : m_dir(QDir::tempPath() + QStringLiteral("/vantrel shop-XXXXXX"))
 {
     createDatabaseFile(m_dir.path() + QStringLiteral("/vantrel.accdb"));
     m_db = std::make_unique<Database>(buildConnectionString(m_dir.path()));
     m_services.reset(new Services{*m_db, dialogs, clock, m_dir.path(),
                                   [this](const QString &message) { unhandledErrors << message; }, {}, {}});
+    if (start == Empty)
+        return;
+    QFile sql(QStringLiteral(VANTREL_SHOP_SQL));
+    if (!sql.open(QIODevice::ReadOnly))
+        QTest::qFail("the shared shop's SQL cannot be read", __FILE__, __LINE__);
+    QString text;
+    for (const QString &line : QString::fromUtf8(sql.readAll()).split(QLatin1Char('\n')))
+        if (!line.startsWith(QLatin1String("--")))
+            text += line + QLatin1Char('\n');
+    for (const QString &statement : text.split(QLatin1Char(';'), Qt::SkipEmptyParts))
+        if (!statement.trimmed().isEmpty())
+            exec(statement);
 }
 
 TestShop::~TestShop() = default;

@@ -29,12 +29,14 @@ public:
     QDate day{2026, 11, 23};
 };
 
-// A fresh shop: an empty database file written by the same code as vantrel-initdb, in a
-// temporary program directory whose name has a blank in it, opened through the connection
-// string. Unhandled errors are recorded instead of ending the program.
+// A fresh shop: a database file written by the same code as vantrel-initdb, in a temporary
+// program directory whose name has a blank in it, opened through the connection string; empty,
+// or holding the shared shop (tests/support/shop.sql). Unhandled errors are recorded instead of
+// ending the program.
 class TestShop {
 public:
-    TestShop();
+    enum Start { Empty, Filled };
+    explicit TestShop(Start start = Empty);
     ~TestShop();
 
     QString directory() const { return m_dir.path(); }

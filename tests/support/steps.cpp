@@ -1,0 +1,199 @@
+#include "steps.h"
+
+#include "widgets/grid.h"
+#include "widgets/screen.h"
+
+#include <QFile>
+#include <QLabel>
+
+namespace vantrel::test {
+
+namespace {
+
+const char *const Tables[] = {"companymaster", "productmaster", "suppliermaster", "salesmain", "sales",
+                              "purchasemain", "purchase", "stock", "ledger"};
+
+Qt::Key keyNamed(const QString &name)
+{
+    static const QHash<QString, Qt::Key> keys = {{"Return", Qt::Key_Return}, {"Escape", Qt::Key_Escape}, {"Down", Qt::Key_Down},
+                                                 {"Up", Qt::Key_Up}, {"Left", Qt::Key_Left}, {"Right", Qt::Key_Right},
+                                                 {"Tab", Qt::Key_Tab}, {"F9", Qt::Key_F9}, {"Space", Qt::Key_Space}};
+    if (keys.contains(name))
+        return keys.value(name);
+    return name.size() == 1 ? Qt::Key(name.toUpper().at(0).unicode()) : Qt::Key_unknown;
+}
+
+// "a,b | c,d" as rows of cells; an empty text is no row at all.
+Rows table(const QString &text)
+{
+    Rows rows;
+    if (text.trimmed().isEmpty())
+        return rows;
+    for (const QString &row : text.split(QLatin1Char('|')))
+        rows << row.trimmed().split(QLatin1Char(','));
+    return rows;
+}
+
+QString shown(const Rows &rows)
+{
+    QStringList out;
+    for (const QStringList &row : rows)
+        out << row.join(QLatin1Char(','));
+    return out.join(QStringLiteral(" | "));
+}
+
+} // namespace
+
+void StepDesk::run(const QString &steps)
+{
+    if (!m_marked) {
+        m_before = snapshot();
+        m_marked = true;
+    }
+    for (const QString &raw : steps.split(QLatin1Char('\n'))) {
+        const QString line = raw.trimmed();
+        if (line.isEmpty())
+            continue;
+        const qsizetype blank = line.indexOf(QLatin1Char(' '));
+        step(blank < 0 ? line : line.left(blank), blank < 0 ? QString() : line.mid(blank + 1));
+        if (QTest::currentTestFailed()) {
+            qWarning("  at the step: %s", qPrintable(line));
+            return;
+        }
+    }
+}
+
+QWidget *StepDesk::target(const QString &name)
+{
+    QWidget *root = m_screen ? m_screen : &window;
+    for (QPushButton *b : root->findChildren<QPushButton *>())
+        if (b->text() == name)
+            return b;
+    return named(root, name);
+}
+
+StepDesk::Snapshot StepDesk::snapshot()
+{
+    Snapshot tables;
+    for (const char *table : Tables)
+        for (const QStringList &row : shop.rows(QStringLiteral("select rowid, * from %1").arg(QLatin1String(table))))
+            tables[QLatin1String(table)].insert(row.first().toLongLong(), row.mid(1).join(QLatin1Char('\x1f')));
+    return tables;
+}
+
+#define CHECK(condition, message)                                                                                              \
+    do {                                                                                                                       \
+        if (!(condition)) {                                                                                                    \
+            QTest::qFail(qPrintable(message), __FILE__, __LINE__);                                                             \
+            return;                                                                                                            \
+        }                                                                                                                      \
+    } while (false)
+
+void StepDesk::step(const QString &verb, const QString &argument)
+{
+    const QString name = argument.section(QLatin1Char('='), 0, 0);
+    const QString value = argument.section(QLatin1Char('='), 1);
+    const auto same = [](const QString &what, const QString &actual, const QString &expected) {
+        return actual == expected ? QString() : QStringLiteral("%1: expected \"%2\", got \"%3\"").arg(what, expected, actual);
+    };
+    QString failure;
+    if (verb == "open") {
+        window.findChild<QAction *>(argument)->trigger();
+        m_screen = window.screen(argument);
+    } else if (verb == "type") {
+        target(name)->setFocus();
+        QTest::keyClicks(target(name), value);
+    } else if (verb == "set") {
+        field(m_screen, name)->setText(value);
+    } else if (verb == "clear") {
+        field(m_screen, argument)->clear();
+    } else if (verb == "key") {
+        target(name)->setFocus();
+        CHECK(keyNamed(value) != Qt::Key_unknown, "no key named " + value);
+        QTest::keyClick(target(name), keyNamed(value));
+    } else if (verb == "focus") {
+        target(argument)->setFocus();
+    } else if (verb == "tap") {
+        QTest::mouseClick(target(argument), Qt::LeftButton);
+    } else if (verb == "click") {
+        QTest::mouseClick(button(m_screen, argument), Qt::LeftButton);
+    } else if (verb == "cell") {
+        clickCell(grid(m_screen, name), value.section(',', 0, 0).toInt(), value.section(',', 1).toInt());
+    } else if (verb == "pick") {
+        pickFromList(m_screen, name, value.section('>', 0, 0), value.section('>', 1));
+    } else if (verb == "exec") {
+        shop.exec(argument);
+    } else if (verb == "force") {
+        button(m_screen, argument)->setEnabled(true);
+    } else if (verb == "status") {
+        failure = same("the status line", lastPrinted(window), argument);
+    } else if (verb == "ended") {
+        failure = same("the program's end", shop.unhandledErrors.join(" | "), argument);
+        shop.unhandledErrors.clear();
+    } else if (verb == "yes" || verb == "no") {
+        shop.dialogs.answers << (verb == "yes");
+    } else if (verb == "field") {
+        failure = same(name, field(m_screen, name)->text(), value);
+    } else if (verb == "grid") {
+        Grid *g = grid(m_screen, name);
+        failure = same(argument, g->text(value.section(',', 0, 0).toInt(), value.section(',', 1, 1).section('=', 0, 0).toInt()),
+                       value.section('=', 1));
+    } else if (verb == "rows") {
+        failure = same(argument, QString::number(grid(m_screen, name)->rows()), value);
+    } else if (verb == "focused") {
+        // The keyboard may move into a list once the screen is idle again.
+        (void)QTest::qWaitFor([&] { return QApplication::focusWidget() && QApplication::focusWidget()->accessibleName() == argument; }, 1000);
+        failure = same("the keyboard", QApplication::focusWidget() ? QApplication::focusWidget()->accessibleName() : QString(), argument);
+        if (QApplication::focusWidget() && qobject_cast<QPushButton *>(QApplication::focusWidget()))
+            failure = same("the keyboard", qobject_cast<QPushButton *>(QApplication::focusWidget())->text(), argument);
+    } else if (verb == "enabled") {
+        failure = same(argument, target(name)->isEnabled() ? "yes" : "no", value);
+    } else if (verb == "shown") {
+        QWidget *w = target(name);
+        failure = same(argument, w->isVisibleTo(m_screen) && !w->isHidden() && !(w->parentWidget() && w->parentWidget()->isHidden()) ? "yes" : "no", value);
+    } else if (verb == "said") {
+        const QStringList said = shop.dialogs.shown.mid(m_said);
+        m_said = int(shop.dialogs.shown.size());
+        QStringList expected;
+        for (const QString &m : argument.split(QStringLiteral(" | "), Qt::SkipEmptyParts))
+            expected << m;
+        failure = same("the messages", said.join(" | "), expected.join(" | "));
+    } else if (verb == "sql") {
+        failure = same(argument.section(" => ", 0, 0), shown(shop.rows(argument.section(" => ", 0, 0))), shown(table(argument.section(" => ", 1))));
+    } else if (verb == "printed") {
+        QFile printed(shop.directory() + QStringLiteral("/LPT1"));
+        CHECK(printed.open(QIODevice::ReadOnly), QStringLiteral("nothing was printed"));
+        failure = same("the printout", QString::fromUtf8(printed.readAll()), argument.split(QStringLiteral(" | ")).join(QStringLiteral("\r\n")) + "\r\n");
+    } else if (verb == "changed") {
+        const Snapshot after = snapshot();
+        QStringList expected, actual;
+        for (const QString &part : argument.split(QLatin1Char(','), Qt::SkipEmptyParts))
+            expected << part.simplified();
+        for (const char *t : Tables) {
+            const auto &was = m_before.value(QLatin1String(t)), &now = after.value(QLatin1String(t));
+            int added = 0, removed = 0, updated = 0;
+            for (auto it = now.cbegin(); it != now.cend(); ++it)
+                !was.contains(it.key()) ? ++added : (was.value(it.key()) != it.value() ? ++updated : 0);
+            for (auto it = was.cbegin(); it != was.cend(); ++it)
+                removed += now.contains(it.key()) ? 0 : 1;
+            QStringList counts;
+            if (added)
+                counts << QStringLiteral("+%1").arg(added);
+            if (removed)
+                counts << QStringLiteral("-%1").arg(removed);
+            if (updated)
+                counts << QStringLiteral("~%1").arg(updated);
+            if (!counts.isEmpty())
+                actual << QLatin1String(t) + " " + counts.join(' ');
+        }
+        m_before = after;
+        expected.sort();
+        actual.sort();
+        failure = same("the rows changed", actual.join(", "), expected.join(", "));
+    } else {
+        failure = "a step the runner does not know: " + verb;
+    }
+    CHECK(failure.isEmpty() && shop.unhandledErrors.isEmpty(), failure.isEmpty() ? "the program ended: " + shop.unhandledErrors.join(' ') : failure);
+}
+
+} // namespace vantrel::test

@@ -1,0 +1,47 @@
+#pragma once
+
+#include "support/desk.h"
+
+#include <QHash>
+
+namespace vantrel::test {
+
+// A case written as steps, one a line, run on a desk with the shared shop: what the operator
+// does on the screen opened last, then what the screen, the messages and the file must show.
+// A step the runner does not know fails the case, as does the first check that fails; either
+// names the line. TARGET is an on-screen label, a grid's role or a button's caption.
+//
+//   open ENTRY               the menu entry of that name ("sale", "pur", "rcpt", ...)
+//   type TARGET=TEXT         key by key into the field      set TARGET=TEXT   its text at once
+//   clear TARGET             key TARGET=KEY (Return, Escape, Down, Up, Left, Right, Tab, F9, Space, a letter)
+//   focus TARGET             click CAPTION   tap TARGET (a mouse click)   cell GRID=ROW,COL
+//   pick FIELD=TEXT>LIST     types TEXT, then Enter in the list
+//   yes / no                 the answer to the next question
+//   field TARGET=TEXT        the field's text               grid GRID=ROW,COL=TEXT
+//   rows GRID=COUNT          with the heading row           focused TARGET
+//   enabled CAPTION=yes|no   shown TARGET=yes|no
+//   said M1 | M2             the messages since the last said (none when empty)
+//   sql QUERY => a,b | c,d   the rows of a query (empty cells as nothing)
+//   printed LINE | LINE      the printer file's lines
+//   changed TABLE +N -N ~N, ...   rows inserted, deleted, updated since the last changed (or the
+//                            start); every table not named is unchanged
+//   exec SQL                 a statement of the case's own    force CAPTION   enables a button
+//   status TEXT              what the status line says was printed
+//   ended MESSAGE            the program ended with the database's message (and goes on here)
+struct StepDesk : Desk {
+    StepDesk() : Desk(TestShop::Filled) {}
+    void run(const QString &steps);
+
+private:
+    using Snapshot = QHash<QString, QHash<qint64, QString>>;
+    Snapshot snapshot();
+    void step(const QString &verb, const QString &argument);
+    QWidget *target(const QString &name);
+
+    QWidget *m_screen = nullptr;
+    int m_said = 0;
+    Snapshot m_before;
+    bool m_marked = false;
+};
+
+} // namespace vantrel::test
