@@ -1,5 +1,5 @@
-// The Sales and Purchase screens driven as the operator drives them, case by case on the shared
-// shop: the keys and clicks, then what the fields, the grids, the messages and the file show.
+// Every screen driven as the operator drives it, case by case on the shared shop: the keys and
+// clicks, then what the fields, the grids, the messages and the file show.
 #include "support/steps.h"
 #include "support/testmain.h"
 
@@ -422,9 +422,173 @@ sql select totqty,usedqty,stk from stock where prodname='ZINCOVIT' => 0,0,0
 sql select count(*) from purchase where pono='2' and trans='C' => 0)"},
 };
 
+const Case Masters[] = {
+    {"a company code is taken once", R"(open cmpmst
+type Company Code=zyd
+type Company Name=zydus
+type Short Name=zy
+type Address=mumbai
+type Pin=400001
+click Save
+said Company Added Successfully
+changed companymaster +1
+sql select companyname,cmpid,shortname,address,pin from companymaster where cmpid='ZYD' => ZYDUS,ZYD,ZY,MUMBAI,400001
+field Company Code=
+field Company Name=
+field Pin=
+focused Company Code
+type Company Code=CIP
+type Company Name=ANOTHER
+click Save
+said company id already used try another id
+field Company Name=ANOTHER
+click Edit
+click Delete
+said
+changed)"},
+    {"products are numbered per company", R"(open pm
+enabled &Save=no
+enabled &Update=no
+enabled &Delete=no
+click &Add
+type search=ci
+cell company list=1,0
+field Company Code=CIP
+field Mfg Name=CIPLA LTD
+field Product Sr. No=4
+focused Product Name
+type Product Name=panadol plus
+type Item Code=8911
+type MRP=25
+type Sales Rate=22.5
+click &Save
+said Saved successfully
+changed productmaster +1
+sql select cmpid,mfgname,psrno,prodname,model,mrp,rate from productmaster where model='8911' => CIP,CIPLA LTD,4,PANADOL PLUS,8911,25,22.5
+field Company Code=
+click &Add
+clear search
+type search=SU
+cell company list=1,0
+field Company Code=SUN
+field Product Sr. No=2)"},
+    {"a product's name or code in use is refused, the name first", R"(open pm
+click &Add
+type search=CI
+cell company list=1,0
+type Product Name=PANADOL
+type Item Code=7701
+click &Save
+said Product already exist and assign to other product please choose another
+clear Product Name
+type Product Name=PANADOL EXTRA
+click &Save
+said Item Code already exist and assign to other product please choose another
+changed
+field Product Name=PANADOL EXTRA)"},
+    {"a company picked by its name is refused", R"(open pm
+click &Add
+type search=C
+cell company list=1,1
+said Wrong Selection
+field Company Code=)"},
+    {"the company code field searches products; an update needs the true code", R"(exec update productmaster set shortname='PAN',mrp=25,wr=20 where model='8901'
+changed productmaster ~1
+open pm
+type Company Code=pa
+shown product list=yes
+rows product list=3
+grid product list=1,1=PAN
+key Company Code=Escape
+shown product list=no
+clear Company Code
+type Company Code=PAN
+cell product list=1,0
+field Company Code=CIPLA LTD
+field Product Sr. No=1
+field Sales Rate=12.5
+field Boxno=B1
+enabled &Update=yes
+set Sales Rate=30
+click &Update
+said product updated successfully
+changed
+field Sales Rate=
+type Company Code=PAN
+cell product list=1,0
+set Company Code=CIP
+set Sales Rate=30
+click &Update
+changed productmaster ~1
+sql select cmpid,mfgname,psrno,prodname,shortname,rate from productmaster where model='8901' => CIP,CIPLA LTD,1,PANADOL,PAN,30)"},
+    {"parties are numbered from one above the highest", R"(open sm
+field Party ID=4
+type Party Name :=ravi stores
+type Short Name:=rs
+type City :=pune
+type C/B/S/O=c
+choose Acc Type=Asset
+click &Save
+said party added successfully
+changed suppliermaster +1
+sql select ID,suppname,shortname,city,cbso,acctype from suppliermaster where ID=4 => 4,RAVI STORES,RS,PUNE,C,Asset
+field Party ID=5
+field Party Name :=
+field Short Name:=RS
+exec insert into suppliermaster(ID,suppname) values(7,'GAP')
+type Party Name :=zen
+click &Save
+sql select ID from suppliermaster where ID>3 order by ID => 4 | 5 | 7
+field Party ID=8)"},
+    {"a picked party fills the fields but not its heading; update and delete", R"(exec update suppliermaster set address='MG ROAD',pin='411001',cbso='S',acctype='Liability' where ID=1
+open sm
+type Party Name :=ra
+cell party list=0,0
+said  Wrong selection
+field Party ID=4
+cell party list=1,1
+field Party ID=1
+field Party Name :=RAM
+field Address :=MG ROAD
+field Pin Code :=411001
+field C/B/S/O=
+set City :=MUMBAI
+click &Update
+said party updated successfully
+changed suppliermaster ~1
+sql select ID,city,cbso from suppliermaster where ID=1 => 1,MUMBAI,
+set Party ID=2
+no
+click &Delete
+changed
+yes
+click &Delete
+said Are You Sure | Are You Sure | Supplier deleted
+changed suppliermaster -1
+sql select ID from suppliermaster order by ID => 1 | 3)"},
+    {"after Cancel, Update and Delete fail", R"(open sm
+click Ca&ncel
+field Party ID=
+click &Update
+ended near ",": syntax error
+yes
+click &Delete
+ended incomplete input
+changed)"},
+    {"typing arrives in capitals on every master", R"(open cmpmst
+type Company Name=mg road 5
+field Company Name=MG ROAD 5
+open pm
+type Product Name=mg road 5
+field Product Name=MG ROAD 5
+open sm
+type Address :=mg road 5
+field Address :=MG ROAD 5)"},
+};
+
 } // namespace
 
-class InvoicesTest : public QObject {
+class ScreensTest : public QObject {
     Q_OBJECT
 private slots:
     void sales_data()
@@ -446,7 +610,14 @@ private slots:
             QTest::newRow(c.name) << QString::fromUtf8(c.steps);
     }
     void purchases() { sales(); }
+    void masters_data()
+    {
+        QTest::addColumn<QString>("steps");
+        for (const Case &c : Masters)
+            QTest::newRow(c.name) << QString::fromUtf8(c.steps);
+    }
+    void masters() { sales(); }
 };
 
-VANTREL_TEST_MAIN(InvoicesTest)
-#include "test_invoices.moc"
+VANTREL_TEST_MAIN(ScreensTest)
+#include "test_screens.moc"
