@@ -586,6 +586,74 @@ type Address :=mg road 5
 field Address :=MG ROAD 5)"},
 };
 
+// Receipts 1 and 2 of CASH and payment 1 are in the shop; a payment 3 shares a receipt's number.
+#define RECEIPT(account, name, amount) "set Account=" account "\nset Name Of Account=" name "\nset Amount=" amount "\nclick &Save\n"
+const Case Accounts[] = {
+    {"a receipt: its own series, the shop's overall balance, the list of its receiving account",
+     R"(exec insert into ledger(refno,ac,debit,type,balance) values(3,'RAM',400,'payment',0)
+changed ledger +1
+open rcpt
+field Receipt No=3
+)" RECEIPT("RAMESH", "CASH", "250") R"(said balance counted | Item Added successfully
+changed ledger +1
+sql select refno,dat,ac,credit,accnm,type,balance from ledger where refno=3 and type='receipt' => 3,11/23/2026,RAMESH,250,CASH,Receipt,12.5
+sql select balance from ledger where refno=3 and type='payment' => 0
+field Receipt No=4
+field Total Amount=400
+grid receipt list=0,0=refno
+grid receipt list=0,1=Date1
+grid receipt list=0,2=Name_of_Account
+grid receipt list=0,3=Amount
+)" RECEIPT("RAMESH", "CASH", "600") R"(sql select balance from ledger where refno=4 => 587.5
+)" RECEIPT("RAM", "", "20") R"(field Total Amount=20
+rows receipt list=2
+)" RECEIPT("RAM", "NOBODY", "") RECEIPT("RAM", "NOBODY", "ten") R"(sql select refno,credit from ledger where accnm='NOBODY' order by refno => 6, | 7,ten
+field Total Amount=0)"},
+    {"the two search lists behave differently", R"(exec insert into suppliermaster(ID,suppname) values(4,'CASH')
+open rcpt
+type Account=ra
+shown account search grid A=yes
+key Account=Escape
+shown account search grid A=yes
+cell account search grid A=1,0
+field Account=RAM
+shown account search grid A=no
+type Name Of Account=CA
+shown account search grid B=yes
+key Name Of Account=Down
+key account search grid B=Return
+field Name Of Account=CASH
+grid receipt list=0,0=receipt
+rows receipt list=3
+field Total Amount=150)"},
+    {"a ledger shows the exact account in a span of month-first texts", R"(exec insert into ledger(refno,dat,ac,credit,debit,type) values(11,'01/15/2024','RAM',100,null,'receipt'),(12,'01/15/2023','RAM',50,null,'receipt'),(13,'02/10/2024','RAM',null,30,'payment'),(14,'12/20/2023','RAM',70,null,'receipt'),(15,'01/20/2024','RAMESH',90,null,'receipt')
+open led
+date From Date=01/01/2024
+date To Date=02/28/2024
+type Account Name=RAM
+key account search grid=Return
+rows ledger grid=4
+grid ledger grid=0,4=balance
+shown account search grid=no
+date To Date=01/31/2024
+clear Account Name
+type Account Name=RAM
+key account search grid=Return
+rows ledger grid=3
+date From Date=12/01/2023
+clear Account Name
+type Account Name=RAM
+key account search grid=Return
+rows ledger grid=1
+grid ledger grid=0,0=dat
+exec update ledger set dat='SOMEDAY' where refno=14
+date From Date=01/01/2024
+clear Account Name
+type Account Name=RAM
+key account search grid=Return
+ended Data type mismatch in criteria expression.)"},
+};
+
 } // namespace
 
 class ScreensTest : public QObject {
@@ -617,6 +685,13 @@ private slots:
             QTest::newRow(c.name) << QString::fromUtf8(c.steps);
     }
     void masters() { sales(); }
+    void accounts_data()
+    {
+        QTest::addColumn<QString>("steps");
+        for (const Case &c : Accounts)
+            QTest::newRow(c.name) << QString::fromUtf8(c.steps);
+    }
+    void accounts() { sales(); }
 };
 
 VANTREL_TEST_MAIN(ScreensTest)

@@ -4,6 +4,7 @@
 #include "widgets/screen.h"
 
 #include <QComboBox>
+#include <QDateEdit>
 #include <QFile>
 #include <QLabel>
 
@@ -119,6 +120,8 @@ void StepDesk::step(const QString &verb, const QString &argument)
         QTest::keyClick(target(name), keyNamed(value));
     } else if (verb == "focus") {
         target(argument)->setFocus();
+    } else if (verb == "date") {
+        qobject_cast<QDateEdit *>(target(name))->setDate(QDate::fromString(value, QStringLiteral("MM/dd/yyyy")));
     } else if (verb == "choose") {
         qobject_cast<QComboBox *>(target(name))->setCurrentText(value);
     } else if (verb == "tap") {

@@ -13,7 +13,7 @@ namespace vantrel::test {
 //
 //   open ENTRY               the menu entry of that name ("sale", "pur", "rcpt", ...)
 //   type TARGET=TEXT         key by key into the field      set TARGET=TEXT   its text at once
-//   choose BOX=TEXT          a combo box's entry
+//   choose BOX=TEXT          a combo box's entry          date PICKER=MM/DD/YYYY
 //   clear TARGET             key TARGET=KEY (Return, Escape, Down, Up, Left, Right, Tab, F9, Space, a letter)
 //   focus TARGET             click CAPTION   tap TARGET (a mouse click)   cell GRID=ROW,COL
 //   pick FIELD=TEXT>LIST     types TEXT, then Enter in the list
