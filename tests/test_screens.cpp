@@ -654,6 +654,163 @@ key account search grid=Return
 ended Data type mismatch in criteria expression.)"},
 };
 
+// Headers dated today (11/23/2026) beside the shop's of 11/20 and 12/01.
+#define TODAYS_HEADERS "exec insert into salesmain(invoice,dat,party,trans,netamt,gd) values(5,'11/23/2026','RAM','C',100,90),(6,'11/23/2026','RAMESH','D',25.5,null),(7,'2026-11-23','OTHER','C',1000,null),(8,'11/22/2026','OLD','C',1,null)\n" \
+    "exec insert into purchasemain(pono,dat,party,trans,netamt) values(8,'11/23/2026','RAM','D',300),(9,'11/22/2026','RAM','C',40),(10,'11/23/2026','RAMESH','C',60),(11,'12/2/2026','RAM','C',5)\n"
+const Case Reports[] = {
+    {"the day books list today's headers by their exact date text", R"(open db
+grid day book grid=0,1=Date
+grid day book grid=0,7=gd
+rows day book grid=1
+field Total (Rs.)=0
+)" TODAYS_HEADERS R"(open sale
+open db
+list day book grid=5,11/23/2026,RAM,C,,,100,90 | 6,11/23/2026,RAMESH,D,,,25.5,
+field Total (Rs.)=125.5
+open pdb
+grid day book grid=0,0=pono
+list day book grid=8,11/23/2026,RAM,D,300 | 10,11/23/2026,RAMESH,C,60
+field Total (Rs.)=360)"},
+    {"a register lists a span of month-first texts", R"(exec insert into salesmain(invoice,dat,party,trans,netamt) values(3,'11/10/2025','RAM','C',7),(4,'12/30/2025','RAM','C',9)
+open dwsrpt
+date From=11/01/2026
+date To=11/30/2026
+click &Show
+grid register grid=0,0=
+grid register grid=0,1=invoice
+list register grid=,1,11/20/2026,RAM,C,40 | ,1,11/20/2026,RAM,D,12.5 | ,3,11/10/2025,RAM,C,7
+field Total (Rs.)=59.5
+date From=12/01/2025
+date To=01/31/2026
+click &Show
+rows register grid=1
+field Total (Rs.)=0)"},
+    {"an empty register prints its frame", R"(open dtprpt
+date From=01/01/2026
+date To=01/02/2026
+click &Show
+click Print
+printed                COMPANY NAME |  |                ADDRESS |  | ============================================== | Datewise Purchase Register | From 1/1/2026   To 1/2/2026 | ============================================== | pono   Date     party       trans  netamt | ---------------------------------------------- | ---------------------------------------------- | Total (Rs.)                            0 | ==============================================
+status Printed Datewise Purchase Register 1/1/2026 to 1/2/2026: 13 lines)"},
+    {"printed cells are cut and the amount right-justified", R"(exec delete from salesmain
+exec insert into salesmain(invoice,dat,party,trans,netamt) values(123456,'11/23/2026','SIDDHIVINAYAK MEDICOS','D',12345678),(7,'11/22/2026','RAM','C',37.5)
+open dwsrpt
+date From=11/22/2026
+date To=11/23/2026
+click &Show
+click Print
+line 5=Datewise Sales Register
+line 6=From 11/22/2026   To 11/23/2026
+line 8=invoice   Date     party       trans  netamt
+line 10=  12345 11/23/2026 SIDDHIVINAYAK M D 1234567
+line 11=  7     11/22/2026 RAM             C    37.5
+line 13=Total (Rs.)                            12345715.5)"},
+    {"a clicked cell goes to the invoice screen, as typed", TODAYS_HEADERS R"(open sale
+open dwsrpt
+click &Show
+cell register grid=1,4
+open sale
+field Invoice No :=C
+field C/D=RAM
+said Enter C/D only
+open dwsrpt
+cell register grid=1,1
+open sale
+field Invoice No :=5
+field C/D=
+open pur
+open dtprpt
+click &Show
+cell register grid=1,5
+open pur
+field Purchse Order No :=300
+field C/D=D)"},
+    {"a party register filters by party and prints it", R"(exec insert into salesmain(invoice,dat,party,trans,netamt) values(3,'11/10/2025','RAM','C',7),(4,'12/30/2025','RAMESH','C',9)
+open prsale
+type Party:=ra
+shown party search grid=yes
+cell party search grid=1,0
+field Party:=RAM
+shown party search grid=no
+date From Date=11/01/2025
+date To Date=12/31/2025
+set Party:=ram
+click &Show
+list register grid=,1,11/20/2026,RAM,C,40 | ,1,11/20/2026,RAM,D,12.5 | ,3,11/10/2025,RAM,C,7
+field Total (Rs.)=59.5
+click Print
+line 5=Partywise Sales Register
+line 6=Party: ram
+line 7=From Date 11/1/2025   To Date 12/31/2025)"},
+    {"Escape in the sales party register hides its grid for good", TODAYS_HEADERS R"(open prsale
+type Party:=R
+key Party:=Escape
+shown register grid=no
+shown party search grid=yes
+set Party:=RAM
+click &Show
+shown register grid=no
+rows register grid=2
+open prpur
+type Party:=R
+key Party:=Escape
+shown register grid=yes
+set Party:=RAM
+click &Show
+list register grid=,8,11/23/2026,RAM,D,300)"},
+    {"the purchase reports read the purchases", TODAYS_HEADERS R"(open dtprpt
+date From=11/01/2026
+date To=11/30/2026
+click &Show
+list register grid=,1,11/20/2026,RAM,C,40 | ,1,11/20/2026,RAM,D,95 | ,8,11/23/2026,RAM,D,300 | ,9,11/22/2026,RAM,C,40 | ,10,11/23/2026,RAMESH,C,60
+field Total (Rs.)=535
+click Print
+line 5=Datewise Purchase Register
+open prpur
+date From Date=11/01/2026
+date To Date=11/30/2026
+set Party:=RAM
+click &Show
+list register grid=,1,11/20/2026,RAM,C,40 | ,1,11/20/2026,RAM,D,95 | ,8,11/23/2026,RAM,D,300 | ,9,11/22/2026,RAM,C,40
+field Total (Rs.)=475
+click Print
+line 5=Partywise Purchase Register
+line 6=Party: RAM)"},
+    {"stock shows a product's figures, its codes, and nothing for one never bought", R"(open stksum
+type Product Name=pa
+field Product Name=PA
+rows product grid=3
+cell product grid=0,0
+cell product grid=1,2
+said  Wrong selection | Wrong Selection
+cell product grid=1,0
+field Product Id=1
+field Company Name=CIPLA LTD
+field company code=CIP
+field Total Stock:=14
+field Used Stock:=0
+field Available Stock:=14
+rows item-code grid=3
+cell item-code grid=1,0
+field Item Code=8901
+field MRP=9.5
+clear Product Name
+type Product Name=ZIN
+cell product grid=1,1
+field Product Name=ZINCOVIT
+field Total Stock:=
+field Used Stock:=
+field Available Stock:=
+rows item-code grid=1)"},
+    {"Enter on a stock product takes its name only", R"(open stksum
+type Product Name=Z
+key Product Name=Down
+key product grid=Return
+field Product Name=ZINCOVIT
+field Product Id=
+shown product grid=no)"},
+};
+
 } // namespace
 
 class ScreensTest : public QObject {
@@ -692,6 +849,13 @@ private slots:
             QTest::newRow(c.name) << QString::fromUtf8(c.steps);
     }
     void accounts() { sales(); }
+    void reports_data()
+    {
+        QTest::addColumn<QString>("steps");
+        for (const Case &c : Reports)
+            QTest::newRow(c.name) << QString::fromUtf8(c.steps);
+    }
+    void reports() { sales(); }
 };
 
 VANTREL_TEST_MAIN(ScreensTest)

@@ -7,6 +7,7 @@
 #include <QDateEdit>
 #include <QFile>
 #include <QLabel>
+#include <algorithm>
 
 namespace vantrel::test {
 
@@ -149,6 +150,23 @@ void StepDesk::step(const QString &verb, const QString &argument)
         Grid *g = grid(m_screen, name);
         failure = same(argument, g->text(value.section(',', 0, 0).toInt(), value.section(',', 1, 1).section('=', 0, 0).toInt()),
                        value.section('=', 1));
+    } else if (verb == "list") {
+        Grid *g = grid(m_screen, name);
+        Rows rows;
+        for (int r = 1, n = g->rows(); r < n; ++r) {
+            QStringList row;
+            for (int c = 0; c < g->cols(); ++c)
+                row << g->text(r, c);
+            rows << row;
+        }
+        std::sort(rows.begin(), rows.end()); // the lists ask for no order
+        Rows expected = table(value);
+        std::sort(expected.begin(), expected.end());
+        failure = same(name, shown(rows), shown(expected));
+    } else if (verb == "line") {
+        QFile printed(shop.directory() + QStringLiteral("/LPT1"));
+        CHECK(printed.open(QIODevice::ReadOnly), QStringLiteral("nothing was printed"));
+        failure = same("printed line " + name, QString::fromUtf8(printed.readAll()).split(QStringLiteral("\r\n")).value(name.toInt()), value);
     } else if (verb == "rows") {
         failure = same(argument, QString::number(grid(m_screen, name)->rows()), value);
     } else if (verb == "focused") {
