@@ -811,6 +811,66 @@ field Product Id=
 shown product grid=no)"},
 };
 
+// Whatever is typed reaches the file as typed; nothing typed breaks a series or a figure.
+#define MISMATCH "ended Data type mismatch in criteria expression.\n"
+const Case Inputs[] = {
+    {"a join typed into a name is stored as typed", R"(open sale
+type C/D=D
+set Party:=SRI NEW RIGHT JOIN ST STORE ON MAIN
+)" LINE("8901", "1") R"(sql select party from salesmain where invoice=3 and trans='D' => SRI NEW RIGHT JOIN ST STORE ON MAIN
+sql select ac from ledger where refno=2 and type='payment' => SRI NEW RIGHT JOIN ST STORE ON MAIN)"},
+    {"a receipt number empty or beyond sixteen bits fails; the series goes on", R"(open rcpt
+set Receipt No=
+)" RECEIPT("RAM", "CASH", "30") MISMATCH R"(set Receipt No=40000
+)" RECEIPT("RAM", "CASH", "30") R"(ended Overflow
+changed
+set Receipt No=-32768
+)" RECEIPT("RAM", "CASH", "30") R"(sql select refno,credit from ledger where refno<0 => -32768,30)"},
+    {"a word in the invoice number is refused before the header", R"(open sale
+type C/D=D
+set Party:=RAMESH
+set Invoice No :=9-1
+)" LINE("8901", "1") MISMATCH R"(sql select invoice,typeof(invoice) from salesmain where trans='D' order by invoice => 1,real | 2,real
+clear C/D
+type C/D=D
+field Invoice No :=3)"},
+    {"empty or wordy master numbers are refused", R"(open sm
+clear Party ID
+type Party Name :=NEW PARTY
+click &Save
+)" MISMATCH R"(open pm
+click &Add
+type search=CIP
+cell company list=1,0
+field Product Sr. No=4
+set Product Sr. No=2A
+type Product Name=CROCIN
+type Item Code=8911
+click &Save
+)" MISMATCH R"(changed)"},
+    {"a huge quantity overflows before its step writes, and no figure is infinite", NEW_CREDIT_SALE LINE("8901", "1E39") R"(ended Overflow
+sql select stk,usedqty from stock where prodname='PANADOL' => 10,0 | 4,0
+sql select count(*) from sales where party='RAMESH' => 1
+type item code=8901
+key item code=Return
+set Rate=1E300
+type Qty=1E10
+ended Overflow
+sql select count(*) from (select qty||amount as v from sales union all select stk||usedqty from stock union all select debit||balance from ledger) where v like '%inf%' => 0)"},
+    {"a second statement is refused with its reason", R"(open cmpmst
+type Company Code=x'; delete from sales; --
+click Save
+ended Unable to execute multiple statements at a time
+changed)"},
+    {"widths go to the columns they mean", R"(open rcpt
+)" RECEIPT("RAM", "CASH", "5") R"(width receipt list=Name_of_Account=3000
+open db
+width day book grid=party=3000
+open prsale
+type Party:=RAM
+width party search grid=suppname=3000)"},
+};
+
 } // namespace
 
 class ScreensTest : public QObject {
@@ -856,6 +916,13 @@ private slots:
             QTest::newRow(c.name) << QString::fromUtf8(c.steps);
     }
     void reports() { sales(); }
+    void inputs_data()
+    {
+        QTest::addColumn<QString>("steps");
+        for (const Case &c : Inputs)
+            QTest::newRow(c.name) << QString::fromUtf8(c.steps);
+    }
+    void inputs() { sales(); }
 };
 
 VANTREL_TEST_MAIN(ScreensTest)

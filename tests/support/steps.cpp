@@ -167,6 +167,13 @@ void StepDesk::step(const QString &verb, const QString &argument)
         QFile printed(shop.directory() + QStringLiteral("/LPT1"));
         CHECK(printed.open(QIODevice::ReadOnly), QStringLiteral("nothing was printed"));
         failure = same("printed line " + name, QString::fromUtf8(printed.readAll()).split(QStringLiteral("\r\n")).value(name.toInt()), value);
+    } else if (verb == "width") {
+        Grid *g = grid(m_screen, name);
+        int twips = -1;
+        for (int col = 0; col < g->cols(); ++col)
+            if (g->text(0, col) == value.section('=', 0, 0))
+                twips = g->columnWidth(col) * 1440 / g->logicalDpiX();
+        failure = same(argument, QString::number(twips), value.section('=', 1));
     } else if (verb == "rows") {
         failure = same(argument, QString::number(grid(m_screen, name)->rows()), value);
     } else if (verb == "focused") {

@@ -21,6 +21,7 @@ namespace vantrel::test {
 //   field TARGET=TEXT        the field's text               grid GRID=ROW,COL=TEXT
 //   rows GRID=COUNT          with the heading row           focused TARGET
 //   list GRID=a,b | c,d      every data row, in any order   line N=TEXT   the printout's line N
+//   width GRID=HEADING=TWIPS the width of the column so headed
 //   enabled CAPTION=yes|no   shown TARGET=yes|no
 //   said M1 | M2             the messages since the last said (none when empty)
 //   sql QUERY => a,b | c,d   the rows of a query (empty cells as nothing)
