@@ -854,6 +854,7 @@ sql select count(*) from sales where party='RAMESH' => 1
 type item code=8901
 key item code=Return
 set Rate=1E300
+clear Qty
 type Qty=1E10
 ended Overflow
 sql select count(*) from (select qty||amount as v from sales union all select stk||usedqty from stock union all select debit||balance from ledger) where v like '%inf%' => 0)"},
