@@ -60,11 +60,13 @@ bool FieldEvents::eventFilter(QObject *, QEvent *event)
         emit focusGained();
         break;
     case QEvent::FocusOut:
-        // A key held while the focus goes to another widget, a box or a menu is released there,
+        // A key held while the focus goes to another field, a box or a menu is released there,
         // or here after the focus came back from somewhere it was not pressed: neither is a
-        // release in this field. The window losing the activation to nothing and getting it back
-        // (a window manager does that as a menu closes) takes no key away.
-        if (QApplication::focusWidget() || QApplication::activeModalWidget() || QApplication::activePopupWidget())
+        // release in this field. The window losing the activation to nothing and getting it
+        // back, or a screen's window passing the focus through itself to its field (both happen
+        // as a menu closes and a screen opens), takes no key away.
+        if (const QWidget *now = QApplication::focusWidget(); (now && !now->isAncestorOf(m_field))
+                                                              || QApplication::activeModalWidget() || QApplication::activePopupWidget())
             m_pressedHere.clear();
         if (!QApplication::activeModalWidget())
             m_pendingPress = 0;
