@@ -152,7 +152,6 @@ class Program:
     def keys(self, *names):
         """Presses and releases each key in turn, as a person would ("Return", "alt+a", "F10")."""
         subprocess.run(["xdotool", "key", "--delay", "120"] + list(names), check=True)
-        time.sleep(0.15)
 
     def hold(self, key, seconds=0.1):
         """Presses KEY, holds it SECONDS, then releases it: a person's keystroke, whose release
@@ -172,7 +171,6 @@ class Program:
 
     def type(self, text):
         subprocess.run(["xdotool", "type", "--delay", "120", text], check=True)
-        time.sleep(0.15)
 
     # --- what the screens show ----------------------------------------------------------------
 
@@ -285,10 +283,14 @@ class Program:
         value = int.from_bytes(dump[at:at + size], "little" if byte_order == 0 else "big")
         return ((value >> 16) & 0xff, (value >> 8) & 0xff, value & 0xff)
 
-    def no_message_box(self, after):
-        time.sleep(0.4)
-        shown = self.message_box()
-        check(shown is None, "a message box %r appeared after %s" % (shown, after))
+    def no_message_box(self, after, watch=1.0):
+        """Watches for WATCH seconds: a box that comes up at any moment of it, late ones too,
+        fails the check."""
+        end = time.monotonic() + watch
+        while time.monotonic() < end:
+            shown = self.message_box()
+            check(shown is None, "a message box %r appeared after %s" % (shown, after))
+            time.sleep(0.05)
 
     # --- the database file --------------------------------------------------------------------
 
