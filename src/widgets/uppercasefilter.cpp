@@ -26,7 +26,8 @@ bool UpperCaseFilter::eventFilter(QObject *watched, QEvent *event)
     auto *widget = static_cast<QWidget *>(watched);
     if (widget != m_scope && !m_scope->isAncestorOf(widget))
         return false;
-    QKeyEvent replacement(key->type(), key->key(), key->modifiers(), upper, key->isAutoRepeat(), ushort(key->count()));
+    QKeyEvent replacement(key->type(), key->key(), key->modifiers(), key->nativeScanCode(), key->nativeVirtualKey(),
+                          key->nativeModifiers(), upper, key->isAutoRepeat(), ushort(key->count()));
     QCoreApplication::sendEvent(watched, &replacement);
     return true;
 }
