@@ -92,14 +92,6 @@ class DatabaseTest : public QObject {
     }
 
 private slots:
-    void connectionStringIsBuiltAndParsed()
-    {
-        const QString text = buildConnectionString(QStringLiteral("/opt/my shop"));
-        QCOMPARE(text, QStringLiteral("Provider=Microsoft.ACE.OLEDB.12.0;Data Source=/opt/my shop/vantrel.accdb;"
-                                      "Jet OLEDB:Database Password=tamarin5252;"));
-        QCOMPARE(dataSourceOf(text), QStringLiteral("/opt/my shop/vantrel.accdb"));
-    }
-
     void aMissingFileFailsTheOpenAndIsNotCreated()
     {
         QTemporaryDir dir;
@@ -155,25 +147,6 @@ private slots:
         QVERIFY(errorOf([&] { createDatabaseFile(path); }).startsWith(QStringLiteral("Cannot create")));
         Database db(buildConnectionString(dir.path()));
         QCOMPARE(db.query(QStringLiteral("select suppname from suppliermaster")).text(QStringLiteral("suppname")), QStringLiteral("KEPT"));
-    }
-
-    void everyTableHasItsColumns()
-    {
-        test::TestShop shop;
-        const QStringList queries = {
-            "select companyname,cmpid,shortname,address,pin from companymaster",
-            "select cmpid,mfgname,psrno,prodname,shortname,model,mrp,wr,rate,boxno from productmaster",
-            "select ID,suppname,shortname,address,city,phone,mobile,pin,cbso,acctype from suppliermaster",
-            "select invoice,dat,party,trans,netamt,dis,disamt,gd from salesmain",
-            "select cmpid,psrno,invoice,prodname,party,model,qty,rate,amount,trans,status from sales",
-            "select pono,dat,party,trans,netamt from purchasemain",
-            "select cmpid,psrno,pono,prodname,party,model,qty,rate,amount,trans,status from purchase",
-            "select cmpid,pono,psrno,prodname,model,party,totqty,rate,amt,usedqty,stk from stock",
-            "select refno,dat,ac,debit,credit,accnm,type,balance from ledger",
-            "select refno,dat,ac,amt,accnm from receipt",
-        };
-        for (const QString &query : queries)
-            QCOMPARE(shop.rows(query).size(), 0);
     }
 
     void receiptViewShowsTheLedgersReceipts()
