@@ -17,6 +17,9 @@ import pyatspi
 
 WAIT = 10.0  # seconds a condition may take before the check fails
 
+# The shop every test starts from, the C++ tests' own.
+SHOP = open(os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "support", "shop.sql")).read()
+
 
 _running = []  # the programs a case started; closed when it ends
 

@@ -10,17 +10,8 @@ import subprocess
 
 import pyatspi
 
-from desk import ENTRIES, Program, check, extents, inside, run, wait_for, walk
+from desk import ENTRIES, SHOP, Program, check, extents, inside, run, wait_for, walk
 
-SHOP = """
-insert into companymaster(companyname,cmpid) values('CIPLA LTD','CIP');
-insert into productmaster(cmpid,mfgname,psrno,prodname,model,rate,boxno) values
-    ('CIP','CIPLA LTD','1','PANADOL','8901','12.5','B1');
-insert into suppliermaster(ID,suppname) values ('1','RAM STORES');
-insert into salesmain(invoice,dat,party,trans,netamt) values ('4','11/2/2026','RAM STORES','C','25');
-insert into sales(cmpid,psrno,invoice,prodname,party,model,qty,rate,amount,trans,status) values
-    ('CIP','1','4','PANADOL','RAM STORES','8901','2','12.5','25','C','u');
-"""
 
 # The screens whose work is a list of documents, lines or rows: they grow with the window.
 LIST_SCREENS = {"Sales", "Purchase", "Product Master", "Sales-Day Book", "Sales Datewise Report",
@@ -132,7 +123,7 @@ def a_grid_with_the_keyboard_looks_it(program_dir):
     check(with_keyboard != without, "the party list's frame looks the same with the keyboard and without")
     p.screenshot("%s-party-list-with-the-keyboard" % display_size())
     p.keys("Return")
-    wait_for("the party taken", lambda: p.text("Party:", sales) == "RAM STORES")
+    wait_for("the party taken", lambda: p.text("Party:", sales) == "RAM")
 
 
 def the_status_line_tells_the_keys_and_what_was_printed(program_dir):
@@ -147,17 +138,17 @@ def the_status_line_tells_the_keys_and_what_was_printed(program_dir):
     wait_for("Sales' keys again", lambda: "F9 adds" in p.status_line())
 
     p.type("c")
-    wait_for("the next cash number", lambda: p.text("Invoice No :", sales) == "5")
+    wait_for("the next cash number", lambda: p.text("Invoice No :", sales) == "2")
     p.keys("shift+Tab", "shift+Tab")
     wait_for("the keyboard in the number", lambda: p.focused_name() == "Invoice No :")
     p.keys("ctrl+a")
-    p.type("4")
+    p.type("1")
     p.keys("Return")
-    wait_for("invoice 4 shown", lambda: p.text("Total Amount", sales) == "25")
+    wait_for("invoice 1 shown", lambda: p.text("Total Amount", sales) == "40")
     p.keys("alt+p")
     printed = wait_for("the printer file", p.printed)
     lines = printed.count("\r\n")
-    wait_for("the print told", lambda: "Printed Sales invoice 4: %d lines" % lines in p.status_line())
+    wait_for("the print told", lambda: "Printed Sales invoice 1: %d lines" % lines in p.status_line())
     p.screenshot("%s-invoice-printed" % display_size())
     p.no_message_box("printing")
 

@@ -7,7 +7,7 @@ act as it would have had it come after the screen caught up.
 import os
 import subprocess
 
-from desk import Program, equal, run, wait_for
+from desk import SHOP, Program, equal, run, wait_for
 
 RUNS = int(os.environ.get("VANTREL_RUNS", "5"))
 
@@ -43,7 +43,7 @@ def flows(program_dir):
     try:
         for i in range(RUNS):
             for flow in (a_credit_line_keyed_ahead, purchase_opened_keyed_ahead):
-                p = Program(program_dir, SEED)
+                p = Program(program_dir, SHOP)
                 try:
                     flow(p)
                 except Exception as error:
@@ -55,7 +55,6 @@ def flows(program_dir):
             b.kill()
 
 
-SEED = open(os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "support", "shop.sql")).read()
 
 if __name__ == "__main__":
     run([flows])
