@@ -42,11 +42,11 @@ private:
     // screen, the menu, a message box or another program).
     bool focusStayedOnScreen() const;
 
-    QWidget *m_field;
     // A key pressed here whose release X gave to no window of ours (it happens while a window
     // manager moves the activation as a menu closes) counts as released once X says it is up.
     void countReleasesGoneElsewhere();
 
+    QWidget *m_field;
     QHash<int, quint32> m_pressedHere; // key -> its X key code
     // The last key pressed here, until its release or until the focus goes anywhere but a box.
     int m_pendingPress = 0;
