@@ -40,6 +40,8 @@ private:
     Snapshot snapshot();
     void step(const QString &verb, const QString &argument);
     QWidget *target(const QString &name);
+    // The printer file's text.
+    QString printout() const;
 
     QWidget *m_screen = nullptr;
     int m_said = 0;
