@@ -45,6 +45,13 @@ QString shown(const Rows &rows)
     return out.join(QStringLiteral(" | "));
 }
 
+// Whether a widget under ROOT bears NAME.
+bool shows(QWidget *root, const QString &name)
+{
+    const auto widgets = root->findChildren<QWidget *>();
+    return std::any_of(widgets.begin(), widgets.end(), [&](QWidget *w) { return w->accessibleName() == name; });
+}
+
 } // namespace
 
 void StepDesk::run(const QString &steps)
@@ -54,9 +61,10 @@ void StepDesk::run(const QString &steps)
         m_marked = true;
     }
     QStringList lines;
-    for (const QString &raw : steps.split(QLatin1Char('\n')))
-        if (!raw.trimmed().isEmpty())
-            lines << raw.trimmed();
+    for (const QString &row : steps.split(QLatin1Char('\n')))
+        for (const QString &raw : row.split(QStringLiteral("; ")))
+            if (!raw.trimmed().isEmpty())
+                lines << raw.trimmed();
     for (int i = 0; i < lines.size(); ++i) {
         const QString &line = lines[i];
         const qsizetype blank = line.indexOf(QLatin1Char(' '));
@@ -114,6 +122,29 @@ void StepDesk::step(const QString &verb, const QString &argument)
     if (verb == "open") {
         window.findChild<QAction *>(argument)->trigger();
         m_screen = window.screen(argument);
+    } else if (verb == "start") {
+        // start ENTRY MODE [PARTY]: a new document of the mode, the party picked from its list.
+        const QStringList word = argument.split(QLatin1Char(' '));
+        step("open", word[0]);
+        field(m_screen, "C/D")->clear();
+        step("type", "C/D=" + word.value(1));
+        if (word.size() > 2)
+            step("pick", "Party:=" + word[2] + '>' + (shows(m_screen, "party list") ? "party list" : "party grid"));
+    } else if (verb == "add") {
+        // add CODE QTY [RATE]: a line keyed by its item code, added with the button.
+        const QStringList word = argument.split(QLatin1Char(' '));
+        keyItem(m_screen, shows(m_screen, "item code") ? "item code" : "Item code", word[0], word.value(1), word.value(2));
+        click(m_screen, "&Add");
+    } else if (verb == "reopen") {
+        // reopen ENTRY MODE NUMBER: the document of that number and mode brought back by Enter.
+        const QStringList word = argument.split(QLatin1Char(' '));
+        step("open", word[0]);
+        field(m_screen, "C/D")->clear();
+        step("type", "C/D=" + word.value(1));
+        QLineEdit *number = m_screen->findChild<QLineEdit *>("txtpono");
+        number->clear();
+        QTest::keyClicks(number, word.value(2));
+        QTest::keyClick(number, Qt::Key_Return);
     } else if (verb == "type") {
         target(name)->setFocus();
         QTest::keyClicks(target(name), value);
