@@ -34,6 +34,8 @@ namespace vantrel::test {
 struct StepDesk : Desk {
     StepDesk() : Desk(TestShop::Filled) {}
     void run(const QString &steps);
+    // The screen opened last.
+    QWidget *screen() const { return m_screen; }
 
 private:
     using Snapshot = QHash<QString, QHash<qint64, QString>>;
