@@ -7,6 +7,8 @@
 #include <QDateEdit>
 #include <QFile>
 #include <QLabel>
+#include <QProcess>
+#include "data/unhandlederror.h"
 #include <algorithm>
 
 namespace vantrel::test {
@@ -172,6 +174,21 @@ void StepDesk::step(const QString &verb, const QString &argument)
         pickFromList(m_screen, name, value.section('>', 0, 0), value.section('>', 1));
     } else if (verb == "exec") {
         shop.exec(argument);
+    } else if (verb == "fails") {
+        const QString sql = argument.section(" => ", 0, 0);
+        QString message = QStringLiteral("(no error)");
+        try {
+            sql.startsWith(QLatin1String("select")) ? (void)shop.db().query(sql) : shop.db().execute(sql);
+        } catch (const UnhandledError &error) {
+            message = error.message();
+        }
+        failure = same(sql, message, argument.section(" => ", 1));
+    } else if (verb == "shell") {
+        QProcess shell;
+        shell.start(QStringLiteral("sqlite3"), {shop.db().fileName(), argument.section(" => ", 0, 0)});
+        CHECK(shell.waitForFinished(10000), "the sqlite3 shell did not run");
+        const QString out = QString::fromUtf8(shell.readAllStandardOutput() + shell.readAllStandardError()).trimmed();
+        failure = same("the shell", out.split(QLatin1Char('\n')).join(" | "), argument.section(" => ", 1));
     } else if (verb == "force") {
         button(m_screen, argument)->setEnabled(true);
     } else if (verb == "status") {

@@ -29,6 +29,8 @@ namespace vantrel::test {
 //   changed TABLE +N -N ~N, ...   rows inserted, deleted, updated since the last changed (or the
 //                            start); every table not named is unchanged
 //   exec SQL                 a statement of the case's own    force CAPTION   enables a button
+//   fails SQL => MESSAGE     the statement fails with the database's message
+//   shell SQL => OUTPUT      the sqlite3 shell on the file: what it prints, lines joined by " | "
 //   status TEXT              what the status line says was printed
 //   ended MESSAGE            the program ended with the database's message (and goes on here)
 struct StepDesk : Desk {
