@@ -1,34 +1,17 @@
-// The grid: heading row and current cell, the two ways to choose, other keys, the registers'
-// fixed column, lazy reading, and writes while a grid is still reading.
+// The grid: what its cells read and how they line up, lazy reading, and writes while a grid is
+// still reading. (Choosing from a grid is in the screens' cases.)
 #include "data/connectionstring.h"
 #include "data/unhandlederror.h"
 #include "support/testmain.h"
 #include "support/testshop.h"
-#include "support/ui.h"
 #include "widgets/grid.h"
 
-#include <QHeaderView>
 #include <QSignalSpy>
 
 using namespace vantrel;
 
 class GridTest : public QObject {
     Q_OBJECT
-
-    // A shown grid bound to three suppliers, ordered by name.
-    struct BoundGrid {
-        test::TestShop shop;
-        Grid grid{QStringLiteral("party list")};
-        BoundGrid()
-        {
-            shop.exec("insert into suppliermaster(ID,suppname,city) values('1','ASHA','PUNE')");
-            shop.exec("insert into suppliermaster(ID,suppname,city) values('2','BIMAL','GOA')");
-            shop.exec("insert into suppliermaster(ID,suppname,city) values('1234567','CHAND','AGRA')");
-            grid.resize(500, 300);
-            grid.show();
-            grid.bind(shop.db(), "select suppname,ID,city from suppliermaster order by suppname");
-        }
-    };
 
     void fillNumbers(test::TestShop &shop, int count)
     {
@@ -37,20 +20,6 @@ class GridTest : public QObject {
     }
 
 private slots:
-    void headingRowCountsAndCellsReadAsShown()
-    {
-        BoundGrid g;
-        QCOMPARE(g.grid.rows(), 4);
-        QCOMPARE(g.grid.cols(), 3);
-        QCOMPARE(g.grid.text(0, 0), QStringLiteral("suppname"));
-        QCOMPARE(g.grid.text(0, 1), QStringLiteral("ID"));
-        QCOMPARE(g.grid.text(1, 0), QStringLiteral("ASHA"));
-        QCOMPARE(g.grid.text(3, 1), QStringLiteral("1234567"));
-        QCOMPARE(g.grid.text(4, 0), QString());
-        QCOMPARE(g.grid.model()->data(g.grid.model()->index(2, 1)).toString(), QStringLiteral("1234567"));
-        QCOMPARE(g.grid.accessibleName(), QStringLiteral("party list"));
-    }
-
     // Every cell reads as the screens read the same value through a recordset: nothing for a
     // null, whole numbers, reals in their shortest text, texts in any script, on the first
     // screenful and past it.
@@ -74,104 +43,15 @@ private slots:
         QCOMPARE(grid.text(6, 0), QString());
     }
 
-    void afterABindRowOneColumnZeroIsCurrent()
-    {
-        BoundGrid g;
-        QCOMPARE(g.grid.row(), 1);
-        QCOMPARE(g.grid.col(), 0);
-        g.grid.bind(g.shop.db(), "select suppname from suppliermaster where suppname like 'Z%'");
-        QCOMPARE(g.grid.rows(), 1);
-        QCOMPARE(g.grid.row(), 0);
-        QCOMPARE(g.grid.text(0, 0), QStringLiteral("suppname"));
-    }
-
-    void aClickChoosesTheClickedCell()
-    {
-        BoundGrid g;
-        QSignalSpy chosen(&g.grid, &Grid::chosen);
-        QSignalSpy clicked(&g.grid, &Grid::clicked);
-        test::clickCell(&g.grid, 3, 2);
-        QCOMPARE(chosen.size(), 1);
-        QCOMPARE(clicked.size(), 1);
-        QCOMPARE(g.grid.row(), 3);
-        QCOMPARE(g.grid.col(), 2);
-        QCOMPARE(g.grid.text(g.grid.row(), g.grid.col()), QStringLiteral("AGRA"));
-    }
-
-    void aClickOnAHeadingMakesRowZeroCurrent()
-    {
-        BoundGrid g;
-        QSignalSpy chosen(&g.grid, &Grid::chosen);
-        test::clickCell(&g.grid, 0, 1);
-        QCOMPARE(chosen.size(), 1);
-        QCOMPARE(g.grid.row(), 0);
-        QCOMPARE(g.grid.col(), 1);
-        // The same data cell as before the heading click is a data row again.
-        test::clickCell(&g.grid, 1, 0);
-        QCOMPARE(g.grid.row(), 1);
-        QCOMPARE(chosen.size(), 2);
-    }
-
-    void enterChoosesAndEveryKeyIsReported()
-    {
-        BoundGrid g;
-        QSignalSpy chosen(&g.grid, &Grid::chosen);
-        QSignalSpy keys(&g.grid, &Grid::keyPressed);
-        g.grid.setFocus();
-        QTest::keyClick(&g.grid, Qt::Key_Down);
-        QCOMPARE(g.grid.row(), 2);
-        QSignalSpy clicked(&g.grid, &Grid::clicked);
-        QTest::keyClick(&g.grid, Qt::Key_Return);
-        QCOMPARE(chosen.size(), 1);
-        QCOMPARE(clicked.size(), 0);
-        QTest::keyClick(&g.grid, Qt::Key_X);
-        QCOMPARE(keys.size(), 3);
-        QCOMPARE(keys.at(0).at(0).toInt(), int(Qt::Key_Down));
-        QCOMPARE(keys.at(1).at(0).toInt(), int(Qt::Key_Return));
-        QCOMPARE(keys.at(2).at(0).toInt(), int(Qt::Key_X));
-    }
-
-    void clearLeavesOnlyTheHeadingRow()
-    {
-        BoundGrid g;
-        g.grid.clear();
-        QCOMPARE(g.grid.rows(), 1);
-        QCOMPARE(g.grid.cols(), 0);
-        QCOMPARE(g.grid.row(), 0);
-        QCOMPARE(g.grid.text(1, 0), QString());
-    }
-
-    void aFailedBindKeepsWhatTheGridShowed()
-    {
-        BoundGrid g;
-        bool failed = false;
-        try {
-            g.grid.bind(g.shop.db(), "select suppname from suppliermaster where suppname like 'O'N%'");
-        } catch (const UnhandledError &) {
-            failed = true;
-        }
-        QVERIFY(failed);
-        QCOMPARE(g.grid.rows(), 4);
-        QCOMPARE(g.grid.text(2, 0), QStringLiteral("BIMAL"));
-    }
-
-    void aRegisterGridHasAFixedEmptyFirstColumn()
-    {
-        BoundGrid g;
-        g.grid.setFixedFirstColumn(true);
-        g.grid.bind(g.shop.db(), "select suppname,city from suppliermaster order by suppname");
-        QCOMPARE(g.grid.cols(), 3);
-        QCOMPARE(g.grid.text(0, 0), QString());
-        QCOMPARE(g.grid.text(0, 1), QStringLiteral("suppname"));
-        QCOMPARE(g.grid.text(1, 0), QString());
-        QCOMPARE(g.grid.text(1, 2), QStringLiteral("PUNE"));
-    }
-
     // Alignment follows what each cell holds: numbers (declared so or not, computed, 16-bit)
     // on the right, texts on the left.
     void numbersLineUpOnTheRightAndTextsOnTheLeft()
     {
-        BoundGrid g;
+        struct {
+            test::TestShop shop{test::TestShop::Filled};
+            Grid grid{QStringLiteral("party list")};
+        } g;
+        g.grid.bind(g.shop.db(), "select suppname,ID,city from suppliermaster order by suppname");
         g.shop.exec("insert into salesmain(invoice,party,netamt) values('7','ASHA','12.5'),('8','ASHA','100')");
         const auto alignment = [&g](int row, int column) {
             return g.grid.model()->data(g.grid.model()->index(row, column), Qt::TextAlignmentRole).value<Qt::Alignment>() & Qt::AlignHorizontal_Mask;
@@ -191,15 +71,6 @@ private slots:
         g.grid.setFixedFirstColumn(true);
         QCOMPARE(alignment(0, 0), Qt::Alignment());
         QCOMPARE(alignment(0, 1), Qt::AlignRight);
-    }
-
-    void widthsAreInTwipsAndSurviveARebind()
-    {
-        BoundGrid g;
-        g.grid.setColumnWidthTwips(2, 3000);
-        QCOMPARE(g.grid.columnWidth(2), 3000 * g.grid.logicalDpiX() / 1440);
-        g.grid.bind(g.shop.db(), "select suppname,ID,city from suppliermaster");
-        QCOMPARE(g.grid.columnWidth(2), 3000 * g.grid.logicalDpiX() / 1440);
     }
 
     void largeResultsLoadLazilyButWalksSeeEveryRow()

@@ -1,5 +1,5 @@
-// Start-up, the main window's menu and screens, activation, upper-casing, the unhandled-error
-// path and the line printer.
+// Start-up, the main window's menu and screens, activation, the unhandled-error path and the
+// line printer.
 #include "app/mainwindow.h"
 #include "app/program.h"
 #include "data/schema.h"
@@ -20,21 +20,15 @@
 #include <QMdiSubWindow>
 #include <QMenuBar>
 #include <QTemporaryDir>
-#include <QVBoxLayout>
 
 using namespace vantrel;
 
 namespace {
 
-// A screen that counts its activations, with one field.
+// A screen that counts its activations.
 class ProbeScreen final : public Screen {
 public:
-    explicit ProbeScreen(Services &services) : Screen(services, QStringLiteral("Probe"))
-    {
-        auto *layout = new QVBoxLayout(this);
-        layout->addWidget(makeField(QStringLiteral("Name")));
-        upperCaseTyping();
-    }
+    explicit ProbeScreen(Services &services) : Screen(services, QStringLiteral("Probe")) {}
     void activated() override { ++activations; }
     int activations = 0;
 };
@@ -46,12 +40,6 @@ struct RunningProgram {
     MainWindow &window() { return program.window(); }
     QList<QMdiSubWindow *> screens() { return window().mdiArea()->subWindowList(); }
 };
-
-QByteArray readFile(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("(unreadable)");
-}
 
 } // namespace
 
@@ -110,25 +98,6 @@ private slots:
         QVERIFY(p.shop.unhandledErrors.isEmpty());
     }
 
-    void f10OpensTheMenuForTheKeyboard()
-    {
-        RunningProgram p;
-        QApplication::setActiveWindow(&p.window());
-        QTest::keyClick(&p.window(), Qt::Key_F10);
-        QVERIFY(p.window().menuBar()->activeAction());
-        QCOMPARE(p.window().menuBar()->activeAction()->text(), QStringLiteral("File"));
-    }
-
-    void aSecondChoiceBringsTheSameScreenBack()
-    {
-        RunningProgram p;
-        Screen *sales = p.window().screen("sale");
-        QVERIFY(sales);
-        p.window().findChild<QAction *>("sale")->trigger();
-        QCOMPARE(p.screens().size(), 1);
-        QCOMPARE(p.window().screen("sale"), sales);
-    }
-
     // A screen reader names every field, list and date by what the operator sees: each control
     // that takes the keyboard has a name, and a labelled one bears its label's text.
     void everyControlOfEveryScreenIsNamed()
@@ -155,10 +124,14 @@ private slots:
         }
     }
 
-    void closingAScreenUnloadsIt()
+    // A second choice brings the same screen back; a closed one is unloaded.
+    void aScreenIsOpenedOnceAndUnloadedWhenClosed()
     {
         RunningProgram p;
         QPointer<Screen> sales = p.window().screen("sale");
+        p.window().findChild<QAction *>("sale")->trigger();
+        QCOMPARE(p.screens().size(), 1);
+        QCOMPARE(p.window().screen("sale"), sales.data());
         QTest::mouseClick(sales->findChild<QPushButton *>("cmdclose"), Qt::LeftButton);
         QTRY_VERIFY(sales.isNull());
         QVERIFY(p.screens().isEmpty());
@@ -184,38 +157,6 @@ private slots:
         p.window().mdiArea()->setActiveSubWindow(qobject_cast<QMdiSubWindow *>(a->parentWidget()));
         QCOMPARE(a->activations, 2);
         QCOMPARE(b->activations, 1);
-    }
-
-    void typedLettersReachTheFieldInUpperCase()
-    {
-        test::TestShop shop;
-        ProbeScreen screen(shop.services());
-        screen.show();
-        test::type(&screen, "Name", "ab1-c d");
-        QCOMPARE(test::field(&screen, "Name")->text(), QStringLiteral("AB1-C D"));
-        QLineEdit outside;
-        outside.show();
-        QTest::keyClicks(&outside, "ab");
-        QCOMPARE(outside.text(), QStringLiteral("ab"));
-    }
-
-    void cellsArePaddedAfterOrBeforeTheCutText()
-    {
-        QCOMPARE(padRight("PARACETAMOL 500 TABLETS", 15), QStringLiteral("PARACETAMOL 500"));
-        QCOMPARE(padRight("2", 3), QStringLiteral("2  "));
-        QCOMPARE(padRight("12500", 4), QStringLiteral("1250"));
-        QCOMPARE(padLeft("37.5", 7), QStringLiteral("   37.5"));
-        QCOMPARE(padLeft("123456789", 8), QStringLiteral("12345678"));
-        QCOMPARE(padRight("", 2), QStringLiteral("  "));
-    }
-
-    void printingReplacesTheDeviceFileWithCrLfLines()
-    {
-        QTemporaryDir dir;
-        LinePrinter printer(dir.path());
-        printer.print({"FIRST DOCUMENT", "WITH TWO LINES"});
-        printer.print({spaces(2) + "A", ""});
-        QCOMPARE(readFile(dir.path() + "/LPT1"), QByteArray("  A\r\n\r\n"));
     }
 
     void aPrinterThatCannotBeOpenedIsAnError()
