@@ -295,6 +295,70 @@ class Program:
             check(shown is None, "a message box %r appeared after %s" % (shown, after))
             time.sleep(0.05)
 
+    # --- cases as steps -----------------------------------------------------------------------
+
+    def run(self, steps):
+        """Runs STEPS, one a line or several joined by "; ", each waiting for what it expects:
+            menu ENTRY [| MENU] the entry by F10, arrows and Enter; its screen is then the scope
+            in CAPTION          the screen the next steps read          focus NAME (of the scope)
+            keys K...           type TEXT           hold KEY (0.1 s)     tab NAME / backtab NAME
+            field LABEL=TEXT    list NAME (shown)   nolist NAME
+            enabled CAPTION / disabled CAPTION      box TEXT=KEY...      nobox
+            sql QUERY => a,b | c,d                  printed TEXT (in the printer file)"""
+        self.scope = getattr(self, "scope", self.sales)
+        for step in (s.strip() for line in steps.strip().split("\n") for s in line.split("; ")):
+            verb, _, arg = step.partition(" ")
+            name, _, value = arg.partition("=")
+            if verb == "menu":
+                caption = self.choose_from_menu(*arg.split(" | "))
+                self.scope = wait_for("the screen " + caption, lambda: self.screen(caption))
+                wait_for("the keyboard in " + caption, lambda: self.focused_screen() == caption)
+            elif verb == "in":
+                self.scope = wait_for("the screen " + arg, lambda: self.screen(arg))
+            elif verb == "keys":
+                self.keys(*arg.split())
+            elif verb == "type":
+                self.type(arg)
+            elif verb == "hold":
+                self.hold(arg)
+            elif verb in ("tab", "backtab"):
+                self.tab_to(arg, "Tab" if verb == "tab" else "shift+Tab")
+            elif verb == "field":
+                wait_for("%s to read %r (it reads %r)" % (name, value, self.text(name, self.scope)),
+                         lambda: self.text(name, self.scope) == value)
+            elif verb == "focus":
+                wait_for("the keyboard in %s of %s (it is in %s of %s)" % (arg, self.scope.name, self.focused_name(), self.focused_screen()),
+                         lambda: self.focused_name() == arg and self.focused_screen() == self.scope.name)
+            elif verb in ("list", "nolist"):
+                wait_for(step, lambda: self.showing(arg, scope=self.scope) == (verb == "list"))
+            elif verb in ("enabled", "disabled"):
+                equal(self.enabled(arg, self.scope), verb == "enabled", arg + " enabled")
+            elif verb == "box":
+                self.answer(name, *value.split())
+            elif verb == "nobox":
+                self.no_message_box("the step before")
+            elif verb == "sql":
+                query, _, rows = arg.partition(" => ")
+                expected = [tuple(row.strip().split(",")) for row in rows.split(" | ")] if rows.strip() else []
+                equal(self.rows(query), expected, query)
+            elif verb == "printed":
+                wait_for("%r in the printout" % arg, lambda: arg in (self.printed() or ""))
+            else:
+                raise Failure("a step the desk does not know: " + step)
+
+    def tab_to(self, name, key="Tab"):
+        """Presses KEY until the keyboard is in the widget NAME (twenty times at most)."""
+        for _ in range(20):
+            if self.focused_name() == name:
+                return
+            before = self.focused()
+            self.keys(key)
+            try:
+                wait_for("the keyboard to move", lambda: self.focused() != before, timeout=2)
+            except Failure:
+                pass
+        raise Failure("%s never reached %r" % (key, name))
+
     # --- the database file --------------------------------------------------------------------
 
     def rows(self, sql):
