@@ -240,16 +240,8 @@ class Program:
 
     def message_box(self):
         """The text of the message box that is up, or None."""
-        for i in range(self.app.childCount):
-            window = self.app.getChildAtIndex(i)
-            if window is None or window.getRoleName() not in ("dialog", "alert"):
-                continue
-            if not window.getState().contains(pyatspi.STATE_SHOWING):
-                continue
-            for acc in walk(window):
-                if acc.getRoleName() == "label" and acc.name:
-                    return acc.name
-        return None
+        box = self._box_window()
+        return next((acc.name for acc in walk(box) if acc.getRoleName() == "label" and acc.name), None) if box else None
 
     def answer(self, expected, *keys):
         """Waits for the message box EXPECTED, answers it with KEYS, and waits for it to go (the
@@ -276,15 +268,10 @@ class Program:
 
     def pixel(self, x, y):
         """The colour the X server shows at (X, Y), as (red, green, blue)."""
-        dump = subprocess.run(["xwd", "-root", "-silent"], capture_output=True, check=True).stdout
-        # An XWD dump: a header of big-endian 32-bit fields, the colour map, then the pixels.
-        field = lambda i: int.from_bytes(dump[4 * i:4 * i + 4], "big")
-        header_size, byte_order, bits_per_pixel, bytes_per_line, ncolors = field(0), field(7), field(11), field(12), field(19)
-        size = bits_per_pixel // 8  # 24 or 32 bits, the red, green and blue bytes alike
-        check(size in (3, 4), "a true-colour screen, not %d bits a pixel" % bits_per_pixel)
-        at = header_size + 12 * ncolors + y * bytes_per_line + size * x
-        value = int.from_bytes(dump[at:at + size], "little" if byte_order == 0 else "big")
-        return ((value >> 16) & 0xff, (value >> 8) & 0xff, value & 0xff)
+        out = subprocess.run("xwd -root -silent | /usr/bin/convert xwd:- -crop 1x1+%d+%d -depth 8 txt:-" % (x, y),
+                             shell=True, capture_output=True, text=True, check=True).stdout
+        colour = out.splitlines()[1].split("#")[1][:6]  # a heading, then "0,0: (r,g,b)  #RRGGBB  name"
+        return tuple(int(colour[i:i + 2], 16) for i in (0, 2, 4))
 
     def no_message_box(self, after, watch=1.0):
         """Watches for WATCH seconds: a box that comes up at any moment of it, late ones too,
@@ -304,7 +291,8 @@ class Program:
             keys K...           type TEXT           hold KEY (0.1 s)     tab NAME / backtab NAME
             field LABEL=TEXT    list NAME (shown)   nolist NAME
             enabled CAPTION / disabled CAPTION      box TEXT=KEY...      nobox
-            sql QUERY => a,b | c,d                  printed TEXT (in the printer file)"""
+            sql QUERY => a,b | c,d                  printed TEXT (in the printer file)
+            status TEXT / nostatus TEXT (on the status line)"""
         self.scope = getattr(self, "scope", self.sales)
         for step in (s.strip() for line in steps.strip().split("\n") for s in line.split("; ")):
             verb, _, arg = step.partition(" ")
@@ -341,6 +329,8 @@ class Program:
                 query, _, rows = arg.partition(" => ")
                 expected = [tuple(row.strip().split(",")) for row in rows.split(" | ")] if rows.strip() else []
                 equal(self.rows(query), expected, query)
+            elif verb in ("status", "nostatus"):
+                wait_for("%s on the status line (%r)" % (arg, self.status_line()), lambda: (arg in self.status_line()) == (verb == "status"))
             elif verb == "printed":
                 wait_for("%r in the printout" % arg, lambda: arg in (self.printed() or ""))
             else:

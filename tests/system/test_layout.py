@@ -128,29 +128,10 @@ def a_grid_with_the_keyboard_looks_it(program_dir):
 
 def the_status_line_tells_the_keys_and_what_was_printed(program_dir):
     p = Program(program_dir, SHOP)
-    sales = p.sales
-    check("F9 adds" in p.status_line(), "Sales' keys on the status line: %r" % p.status_line())
-    p.choose_from_menu("Stock Summary")
-    wait_for("the keyboard in Stock", lambda: p.focused_screen() == "Stock")
-    check("F9" not in p.status_line(), "Sales' keys stayed on the status line in Stock: %r" % p.status_line())
-    p.keys("ctrl+Tab")
-    wait_for("Ctrl+Tab back to Sales", lambda: p.focused_screen() == "Sales")
-    wait_for("Sales' keys again", lambda: "F9 adds" in p.status_line())
-
-    p.type("c")
-    wait_for("the next cash number", lambda: p.text("Invoice No :", sales) == "2")
-    p.keys("shift+Tab", "shift+Tab")
-    wait_for("the keyboard in the number", lambda: p.focused_name() == "Invoice No :")
-    p.keys("ctrl+a")
-    p.type("1")
-    p.keys("Return")
-    wait_for("invoice 1 shown", lambda: p.text("Total Amount", sales) == "40")
-    p.keys("alt+p")
-    printed = wait_for("the printer file", p.printed)
-    lines = printed.count("\r\n")
-    wait_for("the print told", lambda: "Printed Sales invoice 1: %d lines" % lines in p.status_line())
+    p.run("""status F9 adds; menu Stock Summary; nostatus F9; keys ctrl+Tab; in Sales; focus C/D; status F9 adds
+             type c; field Invoice No :=2; keys shift+Tab shift+Tab; focus Invoice No :; keys ctrl+a; type 1; keys Return
+             field Total Amount=40; keys alt+p; printed Invoice No : 1; status Printed Sales invoice 1: 12 lines; nobox""")
     p.screenshot("%s-invoice-printed" % display_size())
-    p.no_message_box("printing")
 
 
 if __name__ == "__main__":
