@@ -3,8 +3,13 @@
 #include "data/unhandlederror.h"
 #include "widgets/clock.h"
 #include "widgets/messageboxdialogs.h"
+#include "years/schemaupgrade.h"
+#include "years/serieswarning.h"
 
 #include <QApplication>
+#include <QDir>
+#include <QFileInfo>
+#include <QRegularExpression>
 #include <cstdio>
 
 int main(int argc, char *argv[])
@@ -24,9 +29,17 @@ int main(int argc, char *argv[])
         QCoreApplication::exit(1);
     };
 
+    // An older shop file is brought to the current schema before anything opens it; a missing
+    // one is left for the opening to report.
+    const QDir directory(QCoreApplication::applicationDirPath());
+    const QString file = directory.filePath(QStringLiteral("vantrel.accdb"));
+    vantrel::SchemaUpgrade upgrade;
     std::unique_ptr<vantrel::Program> program;
     try {
-        program = std::make_unique<vantrel::Program>(QCoreApplication::applicationDirPath(), dialogs, clock, unhandledError);
+        if (QFileInfo::exists(file))
+            upgrade = vantrel::bringToCurrentSchema(file, directory.filePath(QStringLiteral("backups")), QDateTime::currentDateTime());
+        program = std::make_unique<vantrel::Program>(directory.path(), dialogs, clock, unhandledError);
+        program->window().showNotice(QStringList{upgrade.notice(), vantrel::seriesWarning(program->db())}.filter(QRegularExpression(".")).join(' '));
     } catch (const vantrel::UnhandledError &error) {
         std::fprintf(stderr, "vantrel: %s\n", qPrintable(error.message()));
         dialogs.inform(error.message());

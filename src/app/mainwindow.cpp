@@ -44,10 +44,15 @@ MainWindow::~MainWindow()
     m_services.showPrinted = nullptr;
 }
 
-// The status line only shows: what went to the printer last, and the keys of the active screen.
-// Labels take no focus, so the keyboard never lands there.
+// The status line only shows: what the start found, what went to the printer last, and the keys
+// of the active screen. Labels take no focus, so the keyboard never lands there.
 void MainWindow::buildStatusLine()
 {
+    m_notice = new QLabel(this);
+    m_notice->setObjectName(QStringLiteral("notice"));
+    m_notice->setWordWrap(true);
+    m_notice->hide();
+    statusBar()->addWidget(m_notice, 1);
     m_printed = new QLabel(this);
     m_printed->setObjectName(QStringLiteral("lastPrinted"));
     m_keys = new QLabel(this);
@@ -79,6 +84,12 @@ void MainWindow::buildMenus()
         menuBar()->setActiveAction(first);
         first->menu()->setActiveAction(first->menu()->actions().constFirst());
     });
+}
+
+void MainWindow::showNotice(const QString &text)
+{
+    m_notice->setText(text);
+    m_notice->setVisible(!text.isEmpty());
 }
 
 Screen *MainWindow::screen(const QString &entryName) const

@@ -29,6 +29,8 @@ public:
     // The open screen of a menu entry, or null.
     Screen *screen(const QString &entryName) const;
     QMdiArea *mdiArea() const { return m_mdiArea; }
+    // Puts what the start found (an upgrade, a series near its end) on the status line.
+    void showNotice(const QString &text);
 
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
@@ -41,6 +43,7 @@ private:
 
     Services &m_services;
     QMdiArea *m_mdiArea;
+    QLabel *m_notice = nullptr;
     QLabel *m_printed = nullptr;
     QLabel *m_keys = nullptr;
     QHash<QString, QPointer<QMdiSubWindow>> m_open;

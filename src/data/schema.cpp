@@ -71,14 +71,28 @@ create index purchase_party on purchase(party, trans, status);
 create index stock_name on stock(prodname);
 create index stock_product on stock(cmpid, psrno);
 create index ledger_type on ledger(type, refno);
-create index ledger_credit on ledger(type, credit);
-create index ledger_debit on ledger(type, debit);
 create index ledger_account on ledger(ac, dat);
 create index ledger_accnm on ledger(accnm);
 
+pragma journal_mode = wal;
+)sql";
+}
+
+const char *ledgerSumIndexesText()
+{
+    return R"sql(
+create index if not exists ledger_credit on ledger(type, credit);
+create index if not exists ledger_debit on ledger(type, debit);
+)sql";
+}
+
+const char *statisticsText()
+{
+    return R"sql(
 -- The planner's picture of a grown shop, so that it picks the same plans on the first day as on
 -- the thousandth: names and codes nearly unique, a few hundred companies, two modes.
-analyze;
+analyze sqlite_schema;
+delete from sqlite_stat1;
 insert into sqlite_stat1(tbl, idx, stat) values
     ('companymaster', 'companymaster_cmpid', '1000 1'),
     ('companymaster', 'companymaster_name', '1000 1'),
@@ -103,7 +117,6 @@ insert into sqlite_stat1(tbl, idx, stat) values
     ('ledger', 'ledger_account', '600000 300 5'),
     ('ledger', 'ledger_accnm', '600000 300');
 
-pragma journal_mode = wal;
 )sql";
 }
 
@@ -173,8 +186,10 @@ void createDatabaseFile(const QString &path)
     char *error = nullptr;
     if (rc == SQLITE_OK)
         rc = sqlite3_exec(db, schemaText(), nullptr, nullptr, &error);
+    const QByteArray rest = QByteArray(ledgerSumIndexesText()) + statisticsText() + guardsText().toUtf8()
+        + QByteArrayLiteral("pragma user_version = ") + QByteArray::number(CurrentSchemaVersion) + ';';
     if (rc == SQLITE_OK)
-        rc = sqlite3_exec(db, guardsText().toUtf8().constData(), nullptr, nullptr, &error);
+        rc = sqlite3_exec(db, rest.constData(), nullptr, nullptr, &error);
     const QString message = error ? QString::fromUtf8(error) : QString::fromUtf8(sqlite3_errmsg(db));
     sqlite3_free(error);
     sqlite3_close(db);

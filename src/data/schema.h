@@ -4,13 +4,23 @@
 
 namespace vantrel {
 
+// The version of the shop's schema this program writes, recorded in the file's user_version.
+// Files made before it was recorded are recognised by what they hold (see years/schemaupgrade.h).
+constexpr int CurrentSchemaVersion = 5;
+
 // Writes a fresh database file holding every table of the shop, empty, readable and writable by
 // its owner only. Never touches an existing file: throws UnhandledError if PATH exists or the
 // file cannot be written.
 void createDatabaseFile(const QString &path);
 
-// The statements that create the tables, the receipt view and the indexes.
+// The statements that create the tables, the receipt view and the indexes, and put the file in
+// write-ahead mode.
 const char *schemaText();
+// The two indexes that cover the overall ledger sums (schema version 3).
+const char *ledgerSumIndexesText();
+// The planner's fixed statistics (schema version 2; the indexes of version 3 since then),
+// replacing any the file holds.
+const char *statisticsText();
 
 // The triggers that keep the Number columns sound: the numbering columns (invoice, pono, refno,
 // ID, psrno) hold numbers only, failing a statement that would store a text with "Data type

@@ -1,0 +1,101 @@
+#include "schemaupgrade.h"
+
+#include "care/backups.h"
+#include "care/shopcheck.h"
+#include "care/sqlitefile.h"
+#include "data/schema.h"
+#include "data/unhandlederror.h"
+
+#include <sqlite3.h>
+
+namespace vantrel {
+
+namespace {
+
+bool holds(SqliteFile &file, const char *type, const char *name)
+{
+    return file.number(QStringLiteral("select count(*) from sqlite_schema where type='%1' and name='%2'")
+                           .arg(QLatin1String(type), QLatin1String(name)))
+        > 0;
+}
+
+// The statements that bring a file of version TO - 1 to version TO. Version 5 only records the
+// version, which the caller does for every upgrade.
+QString stepTo(int to)
+{
+    switch (to) {
+    case 2:
+        return QString::fromLatin1(statisticsText());
+    case 3:
+        return QString::fromLatin1(ledgerSumIndexesText()) + QString::fromLatin1(statisticsText());
+    case 4:
+        return guardsText();
+    default:
+        return QString();
+    }
+}
+
+} // namespace
+
+QString SchemaUpgrade::notice() const
+{
+    if (!upgraded())
+        return QString();
+    QString text = QStringLiteral("The shop's file was brought from schema %1 to %2; the file as it was is in %3.").arg(from).arg(to).arg(backup);
+    if (!findings.isEmpty())
+        text += QStringLiteral(" The check found: %1").arg(findings);
+    return text;
+}
+
+int schemaVersion(SqliteFile &file)
+{
+    const int recorded = int(file.number(QStringLiteral("pragma user_version")));
+    if (recorded > 0)
+        return recorded;
+    if (holds(file, "trigger", "salesmain_numbers_insert"))
+        return 4;
+    if (holds(file, "index", "ledger_credit"))
+        return 3;
+    if (holds(file, "table", "sqlite_stat1"))
+        return 2;
+    if (holds(file, "table", "ledger") && holds(file, "table", "salesmain"))
+        return 1;
+    throw UnhandledError(QStringLiteral("%1 holds no shop's tables").arg(file.path()));
+}
+
+SchemaUpgrade bringToCurrentSchema(const QString &path, const QString &backupFolder, const QDateTime &now)
+{
+    SchemaUpgrade result;
+    {
+        SqliteFile file(path, SqliteFile::Access::ReadOnly);
+        result.from = result.to = schemaVersion(file);
+    }
+    if (result.from > CurrentSchemaVersion)
+        throw UnhandledError(QStringLiteral("%1 was written by a newer Vantrel (schema version %2; this program knows up to %3). "
+                                            "Nothing was changed; start the newer program.")
+                                 .arg(path)
+                                 .arg(result.from)
+                                 .arg(CurrentSchemaVersion));
+    if (result.from == CurrentSchemaVersion)
+        return result;
+    result.backup = Backups(path, backupFolder).take(now);
+
+    SqliteFile file(path, SqliteFile::Access::ReadWrite);
+    file.execute(QStringLiteral("begin immediate"));
+    try {
+        for (int to = result.from + 1; to <= CurrentSchemaVersion; ++to)
+            file.execute(stepTo(to));
+        file.execute(QStringLiteral("pragma user_version = %1").arg(CurrentSchemaVersion));
+        file.execute(QStringLiteral("commit"));
+    } catch (...) {
+        sqlite3_exec(file.handle(), "rollback", nullptr, nullptr, nullptr); // gone already if the engine ended it
+        throw;
+    }
+    result.to = CurrentSchemaVersion;
+    const CheckReport report = checkShopFile(path, CheckDepth::Quick);
+    if (!report.clean())
+        result.findings = report.text();
+    return result;
+}
+
+} // namespace vantrel
