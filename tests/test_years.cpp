@@ -20,6 +20,7 @@ namespace {
 // What turns a file of the current schema back into the one that landed as each version (the
 // SQL of each later step undone, newest first).
 const QStringList Downgrades = {
+    "drop table closedyears; pragma user_version = 5",                                // to 5: no closed years
     "pragma user_version = 0",                                                        // to 4: the version not recorded
     "select 'drop trigger ' || name from sqlite_schema where type = 'trigger'",         // to 3: no numbering guards
     "drop index ledger_credit; drop index ledger_debit; delete from sqlite_stat1 where idx like 'ledger_%it'", // to 2
@@ -81,7 +82,7 @@ private slots:
             if (upgrade.upgraded()) {
                 QCOMPARE(Backups::verify(upgrade.backup), QStringList{"ok"});
                 QCOMPARE(schemaVersion(*std::make_unique<SqliteFile>(upgrade.backup, SqliteFile::Access::ReadOnly)), version);
-                QVERIFY2(upgrade.notice().startsWith(QStringLiteral("The shop's file was brought from schema %1 to 5").arg(version)), qPrintable(upgrade.notice()));
+                QVERIFY2(upgrade.notice().startsWith(QStringLiteral("The shop's file was brought from schema %1 to 6").arg(version)), qPrintable(upgrade.notice()));
             }
             // The guards are in force again.
             QVERIFY_THROWS_EXCEPTION(UnhandledError, shop.db().execute("insert into ledger(refno) values('X')"));
@@ -104,13 +105,13 @@ private slots:
         QVERIFY_THROWS_EXCEPTION(UnhandledError, bringToCurrentSchema(path, shop.directory() + "/backups", now));
         QCOMPARE(schemaOf(path), before);
 
-        SqliteFile(path, SqliteFile::Access::ReadWrite).execute("drop table ledger_credit; pragma user_version = 6");
+        SqliteFile(path, SqliteFile::Access::ReadWrite).execute("drop table ledger_credit; pragma user_version = 7");
         const QStringList newer = schemaOf(path);
         try {
             bringToCurrentSchema(path, shop.directory() + "/later", now);
             QFAIL("a newer file was accepted");
         } catch (const UnhandledError &error) {
-            QVERIFY2(error.message().endsWith("was written by a newer Vantrel (schema version 6; this program knows up to 5). "
+            QVERIFY2(error.message().endsWith("was written by a newer Vantrel (schema version 7; this program knows up to 6). "
                                               "Nothing was changed; start the newer program."), qPrintable(error.message()));
         }
         QCOMPARE(schemaOf(path), newer);

@@ -86,6 +86,11 @@ create index if not exists ledger_debit on ledger(type, debit);
 )sql";
 }
 
+const char *closedYearsText()
+{
+    return "create table if not exists closedyears(name text collate nocase, closed text collate nocase, file text collate nocase);\n";
+}
+
 const char *statisticsText()
 {
     return R"sql(
@@ -186,7 +191,7 @@ void createDatabaseFile(const QString &path)
     char *error = nullptr;
     if (rc == SQLITE_OK)
         rc = sqlite3_exec(db, schemaText(), nullptr, nullptr, &error);
-    const QByteArray rest = QByteArray(ledgerSumIndexesText()) + statisticsText() + guardsText().toUtf8()
+    const QByteArray rest = QByteArray(ledgerSumIndexesText()) + statisticsText() + guardsText().toUtf8() + closedYearsText()
         + QByteArrayLiteral("pragma user_version = ") + QByteArray::number(CurrentSchemaVersion) + ';';
     if (rc == SQLITE_OK)
         rc = sqlite3_exec(db, rest.constData(), nullptr, nullptr, &error);

@@ -6,7 +6,7 @@ namespace vantrel {
 
 // The version of the shop's schema this program writes, recorded in the file's user_version.
 // Files made before it was recorded are recognised by what they hold (see years/schemaupgrade.h).
-constexpr int CurrentSchemaVersion = 5;
+constexpr int CurrentSchemaVersion = 6;
 
 // Writes a fresh database file holding every table of the shop, empty, readable and writable by
 // its owner only. Never touches an existing file: throws UnhandledError if PATH exists or the
@@ -18,6 +18,8 @@ void createDatabaseFile(const QString &path);
 const char *schemaText();
 // The two indexes that cover the overall ledger sums (schema version 3).
 const char *ledgerSumIndexesText();
+// The years closed out of this file, each with the name of its own file (schema version 6).
+const char *closedYearsText();
 // The planner's fixed statistics (schema version 2; the indexes of version 3 since then),
 // replacing any the file holds.
 const char *statisticsText();

@@ -20,7 +20,7 @@ bool holds(SqliteFile &file, const char *type, const char *name)
 }
 
 // The statements that bring a file of version TO - 1 to version TO. Version 5 only records the
-// version, which the caller does for every upgrade.
+// version, which the caller does for every upgrade; version 6 lists the closed years.
 QString stepTo(int to)
 {
     switch (to) {
@@ -30,6 +30,8 @@ QString stepTo(int to)
         return QString::fromLatin1(ledgerSumIndexesText()) + QString::fromLatin1(statisticsText());
     case 4:
         return guardsText();
+    case 6:
+        return QString::fromLatin1(closedYearsText());
     default:
         return QString();
     }

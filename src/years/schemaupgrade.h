@@ -20,7 +20,7 @@ struct SchemaUpgrade {
 
 // The schema version of a shop file: its recorded user_version, or for a file made before the
 // version was recorded, the version its contents show (1: the tables; 2: the planner's
-// statistics; 3: the ledger's sum indexes; 4: the numbering guards). Throws UnhandledError for a
+// statistics; 3: the ledger's sum indexes; 4: the numbering guards; 5 and later record it). Throws UnhandledError for a
 // file that holds no shop.
 int schemaVersion(SqliteFile &file);
 
