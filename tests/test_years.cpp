@@ -2,6 +2,7 @@
 // checked backup first and in one transaction; a newer file is refused untouched; the start warns
 // when a 16-bit series nears its end.
 #include "care/backups.h"
+#include "care/shopcheck.h"
 #include "care/sqlitefile.h"
 #include "data/schema.h"
 #include "data/unhandlederror.h"
@@ -9,8 +10,12 @@
 #include "support/testshop.h"
 #include "years/schemaupgrade.h"
 #include "years/serieswarning.h"
+#include "years/shoppresence.h"
+#include "years/yearclose.h"
+#include "support/steps.h"
 
 #include <QDir>
+#include <QFile>
 #include <QTemporaryDir>
 
 using namespace vantrel;
@@ -116,6 +121,64 @@ private slots:
         }
         QCOMPARE(schemaOf(path), newer);
         QVERIFY(!QDir(shop.directory() + "/later").exists());
+    }
+
+    // The shared shop, its documents settled, closed on 11/24/2026: the books go to the year's
+    // file; the masters, the lots and opening rows stay; every series starts again at 1 and the
+    // figures the screens compute go on as if nothing had been closed.
+    void aClosedYearsFiguresGoOnAndItsSeriesStartAgain()
+    {
+        test::StepDesk d;
+        const QString path = QDir(d.shop.directory()).filePath("vantrel.accdb");
+        const YearClosePlan open = planYearClose(path, FinancialYear{}, QDate(2026, 11, 24));
+        QVERIFY2(open.refusal().endsWith("first:\npurchase voucher 1 (C) of RAM\npurchase voucher 1 (D) of RAM\npurchase voucher 2 (D) of RAVI MEDICALS\n"
+                                         "sales invoice 1 (C) of RAM\nsales invoice 1 (D) of RAM\nsales invoice 2 (D) of RAVI MEDICALS"), qPrintable(open.refusal()));
+        QVERIFY_THROWS_EXCEPTION(UnhandledError, closeYear(path, open, QDateTime::currentDateTime(), "11/24/2026"));
+        d.run("exec update sales set status='p'; exec update purchase set status='p'; exec update stock set stk=0 where prodname='SUNCROS'; changed purchase ~3, sales ~3, stock ~1");
+        const YearClosePlan plan = planYearClose(path, FinancialYear{}, QDate(2026, 11, 24));
+        QCOMPARE(plan.name, QStringLiteral("2026-27"));
+        QVERIFY2(plan.question().startsWith("Close the year 2026-27?\n\n3 invoice(s), 3 voucher(s), 2 receipt(s) and 1 payment(s) go into ") &&
+                 plan.question().contains("3 stock lot(s) that hold stock stay as they are; 1 without stock go.\nThe ledger starts again with opening "
+                                          "rows for 2 account(s), carrying the balance 137.5."), qPrintable(plan.question()));
+        closeYear(path, plan, QDateTime(QDate(2026, 11, 24), QTime(18, 0)), "11/24/2026");
+        d.run(R"(changed ledger +1 ~3, purchase -3, purchasemain -3, sales -3, salesmain -3, stock -1
+            sql select refno,dat,ac,credit,debit,accnm,type,balance from ledger order by type,ac => 0,11/24/2026,RAM,50,12.5,,opening,137.5 | 0,11/24/2026,RAVI MEDICALS,100,,,opening,137.5 | 0,11/24/2026,OPENING BALANCE,,12.5,,payment,137.5 | 0,11/24/2026,OPENING BALANCE,150,,CASH,receipt,137.5
+            sql select name,closed,file from closedyears => 2026-27,11/24/2026,years/2026-27.accdb
+            start sale D RAME; add 8901 2; start pur C RAM; add 7701 1 3
+            open rcpt; field Receipt No=1; set Account=RAM; set Name Of Account=CASH; set Amount=10; click &Save; field Total Amount=160
+            sql select type,refno,balance from ledger where refno>0 order by type => payment,1,112.5 | Receipt,1,122.5
+            sql select invoice,trans from salesmain union all select pono,trans from purchasemain => 1,D | 1,C)");
+        QCOMPARE(closedYears(path), (QList<QPair<QString, QString>>{{"2026-27", QDir(d.shop.directory()).filePath("years/2026-27.accdb")}}));
+        QCOMPARE(QFile::permissions(closedYears(path)[0].second) & 0x7077, QFileDevice::ReadOwner);
+        QCOMPARE(SqliteFile(closedYears(path)[0].second, SqliteFile::Access::ReadOnly).number("select sum(netamt) from salesmain"), 132.5);
+        QVERIFY(checkShopFile(path, CheckDepth::Full).clean());
+    }
+
+    // A close cut off at any of its steps leaves the old file, or (once the new contents are in)
+    // the new pair, whole after the next start; another copy of the program refuses it.
+    void aCloseCutOffLeavesTheOldFileOrTheNewPair()
+    {
+        for (const int cutAt : {20, 40, 60, 90}) {
+            test::TestShop shop(test::TestShop::Filled);
+            shop.exec("update sales set status='p'");
+            shop.exec("update purchase set status='p'");
+            const QString path = QDir(shop.directory()).filePath("vantrel.accdb");
+            const YearClosePlan plan = planYearClose(path, FinancialYear{}, QDate(2026, 11, 24));
+            QVERIFY_THROWS_EXCEPTION(UnhandledError, closeYear(path, plan, QDateTime(QDate(2026, 11, 24), QTime(18, 0)), "11/24/2026", [cutAt](int percent) {
+                if (percent == cutAt)
+                    throw UnhandledError("cut off");
+            }));
+            finishInterruptedClose(path);
+            const bool closed = cutAt == 90;
+            QCOMPARE(shop.rows("select count(*) from salesmain").first().first(), closed ? "0" : "3");
+            QCOMPARE(closedYears(path).size(), closed ? 1 : 0);
+            QCOMPARE(QDir(shop.directory() + "/years").entryList(QDir::Files).size(), closed ? 1 : 0);
+            QVERIFY(!QFile::exists(path + ".new"));
+            QVERIFY(checkShopFile(path, CheckDepth::Full).clean());
+        }
+        ShopPresence one(QDir::tempPath() + "/presence.accdb"), other(QDir::tempPath() + "/presence.accdb");
+        QVERIFY(one.othersPresent() && other.othersPresent());
+        { ShopPresence third(QDir::tempPath() + "/alone.accdb"); QVERIFY(!third.othersPresent()); }
     }
 
     void theStartWarnsWhenASeriesNearsItsEnd()

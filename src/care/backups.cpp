@@ -50,8 +50,9 @@ void copyPages(SqliteFile &from, SqliteFile &to)
         to.fail(QStringLiteral("copying %1 into it failed (%2)").arg(from.path(), QString::fromUtf8(sqlite3_errstr(rc))));
 }
 
-// A copy of DATABASE at PATH, standing alone: no write-ahead log beside it.
-void copyToNewFile(const QString &database, const QString &path)
+} // namespace
+
+void Backups::copyToNewFile(const QString &database, const QString &path)
 {
     createPrivateFile(path);
     try {
@@ -65,7 +66,12 @@ void copyToNewFile(const QString &database, const QString &path)
     }
 }
 
-} // namespace
+void Backups::copyInto(const QString &from, const QString &to)
+{
+    SqliteFile source(from, SqliteFile::Access::ReadOnly);
+    SqliteFile target(to, SqliteFile::Access::ReadWrite);
+    copyPages(source, target);
+}
 
 Backups::Backups(const QString &database, const QString &folder) : m_database(database), m_folder(folder) {}
 
@@ -138,9 +144,7 @@ QString Backups::restore(const QString &backup, const QDateTime &now)
     } else {
         createPrivateFile(m_database);
     }
-    SqliteFile from(backup, SqliteFile::Access::ReadOnly);
-    SqliteFile to(m_database, SqliteFile::Access::ReadWrite);
-    copyPages(from, to);
+    copyInto(backup, m_database);
     return aside;
 }
 

@@ -35,6 +35,12 @@ public:
     // the path of the file saved aside, or an empty text when there was no current file.
     QString restore(const QString &backup, const QDateTime &now);
 
+    // A copy of DATABASE at PATH, a new file standing alone (no write-ahead log beside it),
+    // readable by its owner only. Throws UnhandledError, leaving no file, when it fails.
+    static void copyToNewFile(const QString &database, const QString &path);
+    // Puts FROM's contents into the existing file TO in one transaction of the engine's, so that
+    // a program that has TO open sees it whole, and a kill leaves TO as it was or as FROM.
+    static void copyInto(const QString &from, const QString &to);
     // The integrity check of a file: {"ok"} when it is sound, else the engine's findings.
     static QStringList verify(const QString &path);
     // Which of the backups taken at TIMES (any order) the pruning removes at NOW.
