@@ -85,10 +85,10 @@ QDateTime Backups::timeOf(const QString &fileName)
     return QDateTime::fromString(fileName, QLatin1String(NameFormat));
 }
 
-QStringList Backups::verify(const QString &path)
+QStringList Backups::verify(const QString &path, Check check)
 {
     SqliteFile file(path, SqliteFile::Access::ReadOnly);
-    return file.firstColumn(QStringLiteral("pragma integrity_check"));
+    return file.firstColumn(check == Check::Full ? QStringLiteral("pragma integrity_check") : QStringLiteral("pragma quick_check"));
 }
 
 QStringList Backups::list() const
@@ -101,7 +101,7 @@ QStringList Backups::list() const
     return backups;
 }
 
-QString Backups::take(const QDateTime &now)
+QString Backups::take(const QDateTime &now, Check depth)
 {
     if (!QDir().mkpath(m_folder))
         throw UnhandledError(QStringLiteral("Cannot make the backup folder %1").arg(m_folder));
@@ -112,7 +112,7 @@ QString Backups::take(const QDateTime &now)
     const QString part = path + QStringLiteral(".part");
     QFile::remove(part);
     copyToNewFile(m_database, part);
-    const QStringList check = verify(part);
+    const QStringList check = verify(part, depth);
     if (check != QStringList{QStringLiteral("ok")}) {
         QFile::remove(part);
         throw UnhandledError(QStringLiteral("The copy of %1 failed its check, so it was not kept: %2").arg(m_database, check.join(QLatin1String("; "))));

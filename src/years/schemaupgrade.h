@@ -24,7 +24,8 @@ struct SchemaUpgrade {
 // file that holds no shop.
 int schemaVersion(SqliteFile &file);
 
-// Brings the shop file at PATH to CurrentSchemaVersion: a checked backup into BACKUPFOLDER first,
+// Brings the shop file at PATH to CurrentSchemaVersion: a backup into BACKUPFOLDER first (its
+// pages checked by the engine's quick check),
 // then every missing step in one transaction (a kill leaves the old schema or the new one, never
 // a mix), then the quick check. A current file is left untouched. Throws UnhandledError, having
 // written nothing, for a file newer than this program; and when the backup or a step fails (the
