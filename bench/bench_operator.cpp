@@ -113,7 +113,7 @@ class Session {
 public:
     Session(const QString &directory, Database &db, int samples)
         : m_db(db), m_bare(directory + "/bare.accdb"), m_samples(samples),
-          m_services{db, m_dialogs, m_clock, directory, [](const QString &m) { std::fprintf(stderr, "unhandled error: %s\n", qPrintable(m)); }, {}, {}}
+          m_services{db, m_dialogs, m_clock, directory, [](const QString &m) { std::fprintf(stderr, "unhandled error: %s\n", qPrintable(m)); }, {}, {}, {}}
     {
         db.observeStatements([this](const QString &sql) { m_log << sql; });
         m_window = std::make_unique<MainWindow>(m_services);

@@ -70,7 +70,7 @@ class Worker {
 public:
     Worker(const QString &directory, quint32 seed)
         : m_db(buildConnectionString(directory)),
-          m_services{m_db, m_dialogs, m_clock, directory, [](const QString &message) { say("error " + message), std::_Exit(3); }, {}, {}},
+          m_services{m_db, m_dialogs, m_clock, directory, [](const QString &message) { say("error " + message), std::_Exit(3); }, {}, {}, {}},
           m_window(m_services), m_random(seed)
     {
         m_window.show();

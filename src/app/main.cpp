@@ -5,6 +5,8 @@
 #include "widgets/messageboxdialogs.h"
 #include "years/schemaupgrade.h"
 #include "years/serieswarning.h"
+#include "years/shoppresence.h"
+#include "years/yearclose.h"
 
 #include <QApplication>
 #include <QDir>
@@ -16,6 +18,7 @@ int main(int argc, char *argv[])
 {
     QApplication app(argc, argv);
     QApplication::setApplicationName(QString::fromLatin1(vantrel::ProgramTitle));
+    QApplication::setOrganizationName(QString::fromLatin1(vantrel::ProgramTitle)); // the settings' place
     vantrel::MessageBoxDialogs dialogs;
     vantrel::SystemClock clock;
 
@@ -34,11 +37,16 @@ int main(int argc, char *argv[])
     const QDir directory(QCoreApplication::applicationDirPath());
     const QString file = directory.filePath(QStringLiteral("vantrel.accdb"));
     vantrel::SchemaUpgrade upgrade;
+    const vantrel::ShopPresence presence(file);
     std::unique_ptr<vantrel::Program> program;
     try {
-        if (QFileInfo::exists(file))
+        if (QFileInfo::exists(file)) {
             upgrade = vantrel::bringToCurrentSchema(file, directory.filePath(QStringLiteral("backups")), QDateTime::currentDateTime());
+            if (!presence.othersPresent())
+                vantrel::finishInterruptedClose(file);
+        }
         program = std::make_unique<vantrel::Program>(directory.path(), dialogs, clock, unhandledError);
+        program->services().othersHaveTheShopOpen = [&presence] { return presence.othersPresent(); };
         program->window().showNotice(QStringList{upgrade.notice(), vantrel::seriesWarning(program->db())}.filter(QRegularExpression(".")).join(' '));
     } catch (const vantrel::UnhandledError &error) {
         std::fprintf(stderr, "vantrel: %s\n", qPrintable(error.message()));

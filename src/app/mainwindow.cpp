@@ -72,7 +72,10 @@ void MainWindow::buildMenus()
             QAction *action = qmenu->addAction(QString::fromLatin1(entry.caption));
             const QString name = QString::fromLatin1(entry.name);
             action->setObjectName(name);
-            connect(action, &QAction::triggered, this, [this, name] { openScreen(name); });
+            if (entry.run)
+                connect(action, &QAction::triggered, this, [this, run = entry.run] { run(*this, m_services); });
+            else
+                connect(action, &QAction::triggered, this, [this, name] { openScreen(name); });
         }
     }
     // F10 opens the first menu with its first entry selected, as Right and Left open the others,

@@ -11,6 +11,7 @@
 #include "reports/registerscreen.h"
 #include "reports/stockscreen.h"
 #include "sales/salesscreen.h"
+#include "years/closeyearcommand.h"
 
 namespace vantrel {
 
@@ -51,6 +52,8 @@ const QVector<Menu> &menuTable()
           {"dtprpt", "DateWise Purchase Report", makeKind<RegisterScreen, &RegisterScreen::Purchase>},
           {"prpur", "Partywise Purchase Report", makeKind<PartyRegisterScreen, &PartyRegisterScreen::Purchase>}}},
         {"stk", "Stock", {{"stksum", "Stock Summary", make<StockScreen>}}},
+        // Added after the system's own menus.
+        {"tools", "Tools", {{"closeyear", "Close Year...", nullptr, closeYearCommand}}},
     };
     return menus;
 }

@@ -10,10 +10,15 @@ struct Services;
 // Makes a screen of one kind; null for a menu entry whose screen the program does not have yet.
 using ScreenFactory = Screen *(*)(Services &services);
 
+class MainWindow;
+// Does what a menu entry does when it opens no screen (closing the year).
+using MenuCommand = void (*)(MainWindow &window, Services &services);
+
 struct MenuEntry {
     const char *name;    // the command's name, the action's objectName ("rcpt")
     const char *caption; // exactly as the menu shows it ("Receipt")
     ScreenFactory make;
+    MenuCommand run = nullptr; // instead of a screen
 };
 
 struct Menu {

@@ -9,7 +9,7 @@ namespace vantrel {
 Program::Program(const QString &programDirectory, Dialogs &dialogs, const Clock &clock,
                  std::function<void(const QString &)> unhandledError)
     : m_db(std::make_unique<Database>(buildConnectionString(programDirectory))),
-      m_services{*m_db, dialogs, clock, programDirectory, std::move(unhandledError), {}, {}},
+      m_services{*m_db, dialogs, clock, programDirectory, std::move(unhandledError), {}, {}, {}},
       m_window(std::make_unique<MainWindow>(m_services))
 {
     m_window->showMaximized();

@@ -21,6 +21,7 @@ public:
 
     MainWindow &window() const { return *m_window; }
     Database &db() const { return *m_db; }
+    Services &services() { return m_services; }
 
 private:
     std::unique_ptr<Database> m_db;

@@ -26,6 +26,8 @@ struct Services {
     std::function<Screen *(const QString &entryName)> openScreen;
     // Tells the operator what went to the printer (the status line); set by the main window.
     std::function<void(const QString &text)> showPrinted;
+    // Whether another copy of the program has the shop's file open now; unset: none has.
+    std::function<bool()> othersHaveTheShopOpen;
 };
 
 } // namespace vantrel

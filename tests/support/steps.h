@@ -23,7 +23,8 @@ namespace vantrel::test {
 //   list GRID=a,b | c,d      every data row, in any order   line N=TEXT   the printout's line N
 //   width GRID=HEADING=TWIPS the width of the column so headed
 //   enabled CAPTION=yes|no   shown TARGET=yes|no
-//   said M1 | M2             the messages since the last said (none when empty)
+//   said M1 | M2             the messages since the last said (none when empty); "M..." is any
+//                            message that begins with M
 //   sql QUERY => a,b | c,d   the rows of a query (empty cells as nothing)
 //   printed LINE | LINE      the printer file's lines
 //   changed TABLE +N -N ~N, ...   rows inserted, deleted, updated since the last changed (or the

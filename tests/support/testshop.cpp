@@ -25,7 +25,7 @@ TestShop::TestShop(Start start) : m_dir(QDir::tempPath() + QStringLiteral("/vant
     createDatabaseFile(m_dir.path() + QStringLiteral("/vantrel.accdb"));
     m_db = std::make_unique<Database>(buildConnectionString(m_dir.path()));
     m_services.reset(new Services{*m_db, dialogs, clock, m_dir.path(),
-                                  [this](const QString &message) { unhandledErrors << message; }, {}, {}});
+                                  [this](const QString &message) { unhandledErrors << message; }, {}, {}, {}});
     if (start == Empty)
         return;
     QFile sql(QStringLiteral(VANTREL_SHOP_SQL));

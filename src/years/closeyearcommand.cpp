@@ -1,0 +1,54 @@
+#include "closeyearcommand.h"
+
+#include "app/mainwindow.h"
+#include "data/database.h"
+#include "data/shortdate.h"
+#include "data/unhandlederror.h"
+#include "widgets/clock.h"
+#include "widgets/dialogs.h"
+#include "widgets/services.h"
+#include "yearclose.h"
+#include "yearsettings.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QMdiArea>
+#include <QProgressDialog>
+
+namespace vantrel {
+
+void closeYearCommand(MainWindow &window, Services &services)
+{
+    if (services.othersHaveTheShopOpen && services.othersHaveTheShopOpen()) {
+        services.dialogs.inform(QStringLiteral("Another copy of Vantrel has the shop open. Close it first, then close the year."));
+        return;
+    }
+    const QString database = services.db.fileName();
+    try {
+        const YearClosePlan plan = planYearClose(database, financialYearSetting(), services.clock.today());
+        if (!plan.possible()) {
+            services.dialogs.inform(plan.refusal());
+            return;
+        }
+        if (!services.dialogs.ask(plan.question()))
+            return;
+        // The screens show the books as they are now; they go before the books do.
+        window.mdiArea()->closeAllSubWindows();
+        QProgressDialog progress(QStringLiteral("Closing the year %1...").arg(plan.name), QString(), 0, 100, &window);
+        progress.setWindowModality(Qt::WindowModal);
+        progress.setMinimumDuration(0);
+        closeYear(database, plan, QDateTime::currentDateTime(), ShortDate().text(services.clock.today()), [&progress](int percent) {
+            progress.setValue(percent);
+            QCoreApplication::processEvents();
+        });
+        progress.close();
+        services.dialogs.inform(QStringLiteral("The year %1 is closed, its books kept in %2. Invoices, vouchers, receipts and payments "
+                                               "are numbered from 1 again.")
+                                    .arg(plan.name, QDir::toNativeSeparators(plan.yearFile)));
+        window.openScreen(QStringLiteral("sale"));
+    } catch (const UnhandledError &error) {
+        services.unhandledError(error.message());
+    }
+}
+
+} // namespace vantrel
