@@ -98,7 +98,7 @@ private slots:
                            "  prsale=Partywise sales Report > Partywise Sales Report",
                            "prpt=Purchase Report", "  pdb=Day Book > Purchase Day Book", "  dtprpt=DateWise Purchase Report > Purchase Datewise Report",
                            "  prpur=Partywise Purchase Report > Partywise Purchase Report",
-                           "stk=Stock", "  stksum=Stock Summary > Stock", "tools=Tools", "  closeyear=Close Year..."}));
+                           "stk=Stock", "  stksum=Stock Summary > Stock", "tools=Tools", "  closeyear=Close Year...", "  pastyear=Past Year..."}));
         QCOMPARE(p.screens().size(), 14);
         QVERIFY(p.shop.unhandledErrors.isEmpty());
     }

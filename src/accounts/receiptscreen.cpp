@@ -31,7 +31,7 @@ ReceiptScreen::ReceiptScreen(Services &services, QWidget *parent) : Screen(servi
     m_account = addField(form, QStringLiteral("Account"));
     m_accountName = addField(form, QStringLiteral("Name Of Account"));
     m_amount = addField(form, QStringLiteral("Amount"));
-    auto *save = new QPushButton(QStringLiteral("&Save"), this);
+    auto *save = m_save = new QPushButton(QStringLiteral("&Save"), this);
     auto *buttons = new QHBoxLayout;
     buttons->addWidget(save);
     buttons->addWidget(makeCloseButton(QStringLiteral("&Close")));
@@ -63,6 +63,11 @@ ReceiptScreen::ReceiptScreen(Services &services, QWidget *parent) : Screen(servi
     guard([this] { proposeNumber("select max(refno) as ref from ledger where type='receipt'", "ref"); });
     alignNumbers({m_amount, m_total});
     setKeysHint(QStringLiteral("Down, Enter takes a row \u00b7 Alt+S saves \u00b7 Alt+C closes"));
+}
+
+void ReceiptScreen::makeReadOnly()
+{
+    m_save->setEnabled(false);
 }
 
 void ReceiptScreen::activated()

@@ -16,6 +16,7 @@ public:
     explicit ReceiptScreen(Services &services, QWidget *parent = nullptr);
 
     void activated() override;
+    void makeReadOnly() override;
 
 private:
     void accountKeyReleased();
@@ -38,6 +39,7 @@ private:
     QLineEdit *m_accountName;
     QLineEdit *m_amount;
     QLineEdit *m_total;
+    QPushButton *m_save;
     Grid *m_accountGrid;
     Grid *m_accountNameGrid;
     Grid *m_receipts;

@@ -6,6 +6,7 @@
 #include "widgets/screen.h"
 
 #include <QEvent>
+#include <algorithm>
 #include <QLabel>
 #include <QMdiArea>
 #include <QMdiSubWindow>
@@ -15,10 +16,13 @@
 
 namespace vantrel {
 
-MainWindow::MainWindow(Services &services, QWidget *parent)
-    : QMainWindow(parent), m_services(services), m_mdiArea(new QMdiArea(this))
+MainWindow::MainWindow(Services &services, QWidget *parent) : MainWindow(services, QString(), parent) {}
+
+MainWindow::MainWindow(Services &services, const QString &closedYear, QWidget *parent)
+    : QMainWindow(parent), m_services(services), m_closedYear(closedYear), m_mdiArea(new QMdiArea(this))
 {
-    setWindowTitle(QString::fromLatin1(ProgramTitle));
+    setWindowTitle(closedYear.isEmpty() ? QString::fromLatin1(ProgramTitle)
+                                        : QStringLiteral("%1 - the year %2 (closed: read only)").arg(QLatin1String(ProgramTitle), closedYear));
     m_mdiArea->setHorizontalScrollBarPolicy(Qt::ScrollBarAsNeeded);
     m_mdiArea->setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
     setCentralWidget(m_mdiArea);
@@ -26,9 +30,11 @@ MainWindow::MainWindow(Services &services, QWidget *parent)
     // start-up screen is already open: every window is fitted again then.
     m_mdiArea->viewport()->installEventFilter(this);
     connect(m_mdiArea, &QMdiArea::subWindowActivated, this, &MainWindow::subWindowActivated);
-    buildMenus();
+    buildMenus(!closedYear.isEmpty());
     new ClosedMenuKeys(this);
     buildStatusLine();
+    if (!closedYear.isEmpty())
+        showNotice(QStringLiteral("The year %1 is closed: its books can be read and printed, not written.").arg(closedYear));
     m_services.openScreen = [this](const QString &entryName) { return screen(entryName); };
     m_services.showPrinted = [this](const QString &text) { m_printed->setText(text); };
     resize(1280, 720);
@@ -63,12 +69,16 @@ void MainWindow::buildStatusLine()
     statusBar()->setSizeGripEnabled(false);
 }
 
-void MainWindow::buildMenus()
+void MainWindow::buildMenus(bool readOnly)
 {
     for (const Menu &menu : menuTable()) {
+        if (readOnly && std::none_of(menu.entries.begin(), menu.entries.end(), [](const MenuEntry &e) { return e.readsOnly; }))
+            continue;
         QMenu *qmenu = menuBar()->addMenu(QString::fromLatin1(menu.caption));
         qmenu->setObjectName(QString::fromLatin1(menu.name));
         for (const MenuEntry &entry : menu.entries) {
+            if (readOnly && !entry.readsOnly)
+                continue;
             QAction *action = qmenu->addAction(QString::fromLatin1(entry.caption));
             const QString name = QString::fromLatin1(entry.name);
             action->setObjectName(name);
@@ -115,6 +125,8 @@ Screen *MainWindow::openScreen(const QString &entryName)
     if (!make)
         return nullptr;
     Screen *screen = make(m_services);
+    if (!m_closedYear.isEmpty())
+        screen->makeReadOnly();
     showScreen(entryName, screen);
     return screen;
 }

@@ -18,6 +18,9 @@ class MainWindow final : public QMainWindow {
     Q_OBJECT
 public:
     explicit MainWindow(Services &services, QWidget *parent = nullptr);
+    // The window of a closed year (CLOSEDYEAR names it): the year in the title, and only the
+    // screens that read, with whatever of theirs would write disabled.
+    MainWindow(Services &services, const QString &closedYear, QWidget *parent);
     ~MainWindow() override;
 
     // Brings the screen of a menu entry to the front, making it first if it is not open.
@@ -36,12 +39,13 @@ protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
-    void buildMenus();
+    void buildMenus(bool readOnly);
     void buildStatusLine();
     void fitWindow(QMdiSubWindow *window, int step);
     void subWindowActivated(QMdiSubWindow *window);
 
     Services &m_services;
+    QString m_closedYear;
     QMdiArea *m_mdiArea;
     QLabel *m_notice = nullptr;
     QLabel *m_printed = nullptr;

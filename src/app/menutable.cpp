@@ -12,6 +12,7 @@
 #include "reports/stockscreen.h"
 #include "sales/salesscreen.h"
 #include "years/closeyearcommand.h"
+#include "years/pastyearcommand.h"
 
 namespace vantrel {
 
@@ -36,7 +37,7 @@ Screen *makeKind(Services &services)
 const QVector<Menu> &menuTable()
 {
     static const QVector<Menu> menus = {
-        {"bill", "File", {{"rcpt", "Receipt", make<ReceiptScreen>}, {"led", "Ledger", make<LedgerScreen>}}},
+        {"bill", "File", {{"rcpt", "Receipt", make<ReceiptScreen>, nullptr, true}, {"led", "Ledger", make<LedgerScreen>, nullptr, true}}},
         {"trans", "Transaction",
          {{"sale", "Sales", make<SalesScreen>},
           {"pur", "Purchase", make<PurchaseScreen>},
@@ -44,16 +45,16 @@ const QVector<Menu> &menuTable()
           {"sm", "Party master", make<PartyMasterScreen>},
           {"cmpmst", "Company Master", make<CompanyMasterScreen>}}},
         {"srpt", "Sales Report",
-         {{"db", "Day Book", makeKind<DayBookScreen, &DayBookScreen::Sales>},
-          {"dwsrpt", "DateWise Sales Report", makeKind<RegisterScreen, &RegisterScreen::Sales>},
-          {"prsale", "Partywise sales Report", makeKind<PartyRegisterScreen, &PartyRegisterScreen::Sales>}}},
+         {{"db", "Day Book", makeKind<DayBookScreen, &DayBookScreen::Sales>, nullptr, true},
+          {"dwsrpt", "DateWise Sales Report", makeKind<RegisterScreen, &RegisterScreen::Sales>, nullptr, true},
+          {"prsale", "Partywise sales Report", makeKind<PartyRegisterScreen, &PartyRegisterScreen::Sales>, nullptr, true}}},
         {"prpt", "Purchase Report",
-         {{"pdb", "Day Book", makeKind<DayBookScreen, &DayBookScreen::Purchase>},
-          {"dtprpt", "DateWise Purchase Report", makeKind<RegisterScreen, &RegisterScreen::Purchase>},
-          {"prpur", "Partywise Purchase Report", makeKind<PartyRegisterScreen, &PartyRegisterScreen::Purchase>}}},
-        {"stk", "Stock", {{"stksum", "Stock Summary", make<StockScreen>}}},
+         {{"pdb", "Day Book", makeKind<DayBookScreen, &DayBookScreen::Purchase>, nullptr, true},
+          {"dtprpt", "DateWise Purchase Report", makeKind<RegisterScreen, &RegisterScreen::Purchase>, nullptr, true},
+          {"prpur", "Partywise Purchase Report", makeKind<PartyRegisterScreen, &PartyRegisterScreen::Purchase>, nullptr, true}}},
+        {"stk", "Stock", {{"stksum", "Stock Summary", make<StockScreen>, nullptr, true}}},
         // Added after the system's own menus.
-        {"tools", "Tools", {{"closeyear", "Close Year...", nullptr, closeYearCommand}}},
+        {"tools", "Tools", {{"closeyear", "Close Year...", nullptr, closeYearCommand}, {"pastyear", "Past Year...", nullptr, pastYearCommand}}},
     };
     return menus;
 }

@@ -19,6 +19,7 @@ struct MenuEntry {
     const char *caption; // exactly as the menu shows it ("Receipt")
     ScreenFactory make;
     MenuCommand run = nullptr; // instead of a screen
+    bool readsOnly = false;    // offered for a closed year too
 };
 
 struct Menu {

@@ -24,13 +24,13 @@ QString uniqueConnectionName()
 }
 
 // SQLite reads '%', '?' and '#' specially in a file URI; every other character stands as it is.
-QString fileUri(const QString &path)
+QString fileUri(const QString &path, Database::Access access)
 {
     QString escaped = path;
     escaped.replace(QLatin1Char('%'), QLatin1String("%25"))
         .replace(QLatin1Char('?'), QLatin1String("%3f"))
         .replace(QLatin1Char('#'), QLatin1String("%23"));
-    return QStringLiteral("file:") + escaped + QStringLiteral("?mode=rw");
+    return QStringLiteral("file:") + escaped + (access == Database::Access::ReadOnly ? QStringLiteral("?mode=ro") : QStringLiteral("?mode=rw"));
 }
 
 // Whether the file takes writes: the engine quietly opens a file it may not write read-only, and
@@ -49,8 +49,8 @@ QString writeProbe(QSqlDatabase &db, sqlite3 *handle)
 
 } // namespace
 
-Database::Database(const QString &connectionString)
-    : m_connectionName(uniqueConnectionName()), m_fileName(dataSourceOf(connectionString))
+Database::Database(const QString &connectionString, Access access)
+    : m_connectionName(uniqueConnectionName()), m_fileName(dataSourceOf(connectionString)), m_access(access)
 {
     const QString failure = openConnection(m_connectionName, Writer);
     if (!failure.isEmpty()) {
@@ -65,7 +65,7 @@ Database::Database(const QString &connectionString)
 QString Database::openConnection(const QString &name, Role role)
 {
     QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), name);
-    db.setDatabaseName(fileUri(m_fileName));
+    db.setDatabaseName(fileUri(m_fileName, m_access));
     db.setConnectOptions(QStringLiteral("QSQLITE_OPEN_URI;QSQLITE_BUSY_TIMEOUT=5000"));
     if (!db.open())
         return engineMessage(db.lastError());
@@ -76,7 +76,7 @@ QString Database::openConnection(const QString &name, Role role)
         const QList<const char *> writer = {"select count(*) from sqlite_master", "pragma journal_mode=wal", "pragma synchronous=full",
                                             "pragma cache_size=-16384"};
         const QList<const char *> reader = {"select count(*) from sqlite_master", "pragma query_only=1", "pragma cache_size=-4096"};
-        for (const char *setup : role == Writer ? writer : reader) {
+        for (const char *setup : role == Writer && m_access == Access::ReadWrite ? writer : reader) {
             if (!probe.exec(QLatin1String(setup))) {
                 failure = engineMessage(probe.lastError());
                 break;
@@ -87,7 +87,7 @@ QString Database::openConnection(const QString &name, Role role)
     const QVariant handle = db.driver()->handle();
     if (failure.isEmpty() && (qstrcmp(handle.typeName(), "sqlite3*") != 0 || !*static_cast<sqlite3 *const *>(handle.constData())))
         failure = QStringLiteral("the SQLite driver gave no handle");
-    if (failure.isEmpty() && role == Writer)
+    if (failure.isEmpty() && role == Writer && m_access == Access::ReadWrite)
         failure = writeProbe(db, *static_cast<sqlite3 *const *>(handle.constData()));
     if (!failure.isEmpty()) {
         db.close();

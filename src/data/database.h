@@ -47,9 +47,12 @@ private:
 // the database's own message; the statement text is sent as it was assembled, unescaped.
 class Database {
 public:
-    // Opens the file named by the connection string's data source, read-write and never creating
-    // it. Throws UnhandledError when the file is missing, cannot be read, or is not a database.
-    explicit Database(const QString &connectionString);
+    enum class Access { ReadWrite, ReadOnly };
+
+    // Opens the file named by the connection string's data source, never creating it: read-write,
+    // or read only (a closed year: every write fails). Throws UnhandledError when the file is
+    // missing, cannot be read, or is not a database, or when it cannot be written and should be.
+    explicit Database(const QString &connectionString, Access access = Access::ReadWrite);
     ~Database();
     Database(const Database &) = delete;
     Database &operator=(const Database &) = delete;
@@ -93,6 +96,7 @@ private:
 
     QString m_connectionName;
     QString m_fileName;
+    Access m_access;
     QStringList m_readers;      // every reading connection, in use or not
     QStringList m_spareReaders; // those that no pending query holds
     std::function<void(const QString &)> m_observer;

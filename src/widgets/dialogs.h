@@ -1,10 +1,12 @@
 #pragma once
 
 #include <QString>
+#include <QStringList>
 
 namespace vantrel {
 
-// The program's message boxes: plain information with an OK button, and Yes/No questions.
+// The program's message boxes: plain information with an OK button, Yes/No questions and a
+// choice from a list.
 // Injectable so that tests script the answers and read the messages.
 class Dialogs {
 public:
@@ -12,6 +14,13 @@ public:
     virtual void inform(const QString &message) = 0;
     // True only when the operator answers Yes; No is the default answer.
     virtual bool ask(const QString &question) = 0;
+    // The operator's pick among ITEMS, as its index; -1 when the choice was dropped.
+    virtual int choose(const QString &question, const QStringList &items)
+    {
+        Q_UNUSED(question);
+        Q_UNUSED(items);
+        return -1;
+    }
 };
 
 } // namespace vantrel

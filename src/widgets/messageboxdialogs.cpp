@@ -1,5 +1,6 @@
 #include "messageboxdialogs.h"
 
+#include <QInputDialog>
 #include <QMessageBox>
 
 namespace vantrel {
@@ -17,6 +18,13 @@ bool MessageBoxDialogs::ask(const QString &question)
                     QMessageBox::Yes | QMessageBox::No, m_parent);
     box.setDefaultButton(QMessageBox::No);
     return box.exec() == QMessageBox::Yes;
+}
+
+int MessageBoxDialogs::choose(const QString &question, const QStringList &items)
+{
+    bool ok = false;
+    const QString item = QInputDialog::getItem(m_parent, QString::fromLatin1(ProgramTitle), question, items, 0, false, &ok);
+    return ok ? int(items.indexOf(item)) : -1;
 }
 
 } // namespace vantrel

@@ -15,6 +15,7 @@ public:
     void setParent(QWidget *parent) { m_parent = parent; }
     void inform(const QString &message) override;
     bool ask(const QString &question) override;
+    int choose(const QString &question, const QStringList &items) override;
 
 private:
     QPointer<QWidget> m_parent;

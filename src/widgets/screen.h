@@ -24,6 +24,9 @@ public:
 
     // Runs each time the screen becomes the active child of the main window.
     virtual void activated() {}
+    // In a closed year's window: whatever of the screen would write is disabled. The screens
+    // offered there only read, but for these.
+    virtual void makeReadOnly() {}
 
     // Runs one action of the screen; never lets an exception out.
     void guard(const std::function<void()> &action);

@@ -7,6 +7,8 @@
 #include <QDateEdit>
 #include <QFile>
 #include <QLabel>
+#include <QMdiArea>
+#include <QMdiSubWindow>
 #include <QProcess>
 #include "data/unhandlederror.h"
 #include <algorithm>
@@ -83,7 +85,7 @@ void StepDesk::run(const QString &steps)
 
 QWidget *StepDesk::target(const QString &name)
 {
-    QWidget *root = m_screen ? m_screen : &window;
+    QWidget *root = m_screen ? m_screen : static_cast<QWidget *>(m_window);
     for (QPushButton *b : root->findChildren<QPushButton *>())
         if (b->text() == name)
             return b;
@@ -122,8 +124,16 @@ void StepDesk::step(const QString &verb, const QString &argument)
     };
     QString failure;
     if (verb == "open") {
-        window.findChild<QAction *>(argument)->trigger();
-        m_screen = window.screen(argument);
+        m_window->findChild<QAction *>(argument)->trigger();
+        m_screen = m_window->screen(argument);
+    } else if (verb == "window") {
+        const auto windows = QApplication::topLevelWidgets();
+        const auto found = std::find_if(windows.begin(), windows.end(), [&](QWidget *w) { return w->windowTitle() == argument; });
+        CHECK(found != windows.end() && qobject_cast<MainWindow *>(*found), "no window " + argument);
+        m_window = static_cast<MainWindow *>(*found);
+        m_screen = m_window->mdiArea()->activeSubWindow() ? static_cast<QWidget *>(m_window->mdiArea()->activeSubWindow()->widget()) : nullptr;
+    } else if (verb == "option") {
+        shop.dialogs.choices << argument.toInt();
     } else if (verb == "start") {
         // start ENTRY MODE [PARTY]: a new document of the mode, the party picked from its list.
         const QStringList word = argument.split(QLatin1Char(' '));

@@ -12,6 +12,8 @@ namespace vantrel::test {
 // names the line. TARGET is an on-screen label, a grid's role or a button's caption.
 //
 //   open ENTRY               the menu entry of that name ("sale", "pur", "rcpt", ...)
+//   window TITLE             the steps after act in the program's window so titled
+//   option N                 the operator's pick (N, from 0) in the next list to choose from
 //   type TARGET=TEXT         key by key into the field      set TARGET=TEXT   its text at once
 //   choose BOX=TEXT          a combo box's entry          date PICKER=MM/DD/YYYY
 //   clear TARGET             key TARGET=KEY (Return, Escape, Down, Up, Left, Right, Tab, F9, Space, a letter)
@@ -51,6 +53,7 @@ private:
     QWidget *m_screen = nullptr;
     int m_said = 0;
     Snapshot m_before;
+    MainWindow *m_window = &window; // the window the steps act in
     bool m_marked = false;
 };
 

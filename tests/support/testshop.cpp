@@ -20,6 +20,16 @@ bool ScriptedDialogs::ask(const QString &question)
     return answers.takeFirst();
 }
 
+int ScriptedDialogs::choose(const QString &question, const QStringList &items)
+{
+    shown << question + QStringLiteral(" (") + items.join(QStringLiteral(", ")) + QLatin1Char(')');
+    if (choices.isEmpty()) {
+        QTest::qFail(qPrintable(QStringLiteral("unscripted choice: ") + question), __FILE__, __LINE__);
+        return -1;
+    }
+    return choices.takeFirst();
+}
+
 TestShop::TestShop(Start start) : m_dir(QDir::tempPath() + QStringLiteral("/vantrel shop-XXXXXX"))
 {
     createDatabaseFile(m_dir.path() + QStringLiteral("/vantrel.accdb"));

@@ -18,9 +18,11 @@ class ScriptedDialogs final : public Dialogs {
 public:
     void inform(const QString &message) override { shown << message; }
     bool ask(const QString &question) override;
+    int choose(const QString &question, const QStringList &items) override;
 
     QStringList shown;
     QList<bool> answers;
+    QList<int> choices;
 };
 
 class FixedClock final : public Clock {
