@@ -99,6 +99,15 @@ void MainWindow::buildMenus(bool readOnly)
     });
 }
 
+void MainWindow::closeAllScreens()
+{
+    m_open.clear();
+    for (QMdiSubWindow *window : m_mdiArea->subWindowList()) {
+        m_mdiArea->removeSubWindow(window);
+        delete window;
+    }
+}
+
 void MainWindow::showNotice(const QString &text)
 {
     m_notice->setText(text);

@@ -29,6 +29,8 @@ public:
     // Puts a new screen into its own window under a menu entry's name and makes it active; the
     // window takes ownership and deletes it when closed.
     void showScreen(const QString &entryName, Screen *screen);
+    // Closes every screen at once (their windows are gone when it returns).
+    void closeAllScreens();
     // The open screen of a menu entry, or null.
     Screen *screen(const QString &entryName) const;
     QMdiArea *mdiArea() const { return m_mdiArea; }

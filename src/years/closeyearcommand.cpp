@@ -12,7 +12,6 @@
 
 #include <QCoreApplication>
 #include <QDir>
-#include <QMdiArea>
 #include <QProgressDialog>
 
 namespace vantrel {
@@ -33,7 +32,7 @@ void closeYearCommand(MainWindow &window, Services &services)
         if (!services.dialogs.ask(plan.question()))
             return;
         // The screens show the books as they are now; they go before the books do.
-        window.mdiArea()->closeAllSubWindows();
+        window.closeAllScreens();
         QProgressDialog progress(QStringLiteral("Closing the year %1...").arg(plan.name), QString(), 0, 100, &window);
         progress.setWindowModality(Qt::WindowModal);
         progress.setMinimumDuration(0);

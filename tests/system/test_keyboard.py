@@ -62,12 +62,23 @@ CASES = {
         menu Receipt; tab Account; type ra; list account search grid A; keys Down Return; field Account=RAM; nolist account search grid A
         menu Party master; tab Party Name :; type rav; list party list; keys Down Return; field Party ID=3
         field Party Name :=RAVI MEDICALS""",
+
+    # The question's default is No: a bare Enter closes nothing. Yes closes the year, and the
+    # keyboard is back in a fresh Sales screen.
+    "closing the year from the keyboard": """
+        keys F10 Right Right Right Right Right Return; box Close the year 2026-27?...=Return; nobox
+        sql select count(*) from salesmain => 3
+        keys F10 Right Right Right Right Right Return; box Close the year 2026-27?...=alt+y
+        box The year 2026-27 is closed, its books kept in...=Return; in Sales; focus C/D; nobox
+        sql select count(*) from salesmain => 0""",
 }
+
+SETTLED = "update sales set status='p'; update purchase set status='p';"
 
 
 def case(name, steps):
     def run_case(program_dir):
-        Program(program_dir, SHOP).run(steps)
+        Program(program_dir, SHOP + (SETTLED if "closing the year" in name else "")).run(steps)
     run_case.__name__ = name.replace(" ", "_")
     return run_case
 
