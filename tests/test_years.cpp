@@ -4,6 +4,7 @@
 #include "care/backups.h"
 #include "care/shopcheck.h"
 #include "care/sqlitefile.h"
+#include "data/records.h"
 #include "data/schema.h"
 #include "data/unhandlederror.h"
 #include "support/testmain.h"
@@ -152,6 +153,32 @@ private slots:
         QCOMPARE(QFile::permissions(closedYears(path)[0].second) & 0x7077, QFileDevice::ReadOwner);
         QCOMPARE(SqliteFile(closedYears(path)[0].second, SqliteFile::Access::ReadOnly).number("select sum(netamt) from salesmain"), 132.5);
         QVERIFY(checkShopFile(path, CheckDepth::Full).clean());
+    }
+
+    // A file at the wall: 32,767 payments and receipts into twenty accounts, amounts in paise.
+    // After the close the next credit line books payment 1, and the balance it writes is the
+    // system's formula over every receipt and payment of both years; the receipts' total is
+    // carried to its last bit. Another copy of the program keeps the close from starting.
+    void aCloseAtTheWallBooksPaymentOneWithTheBalanceOfBothYears()
+    {
+        test::StepDesk d;
+        const QString path = QDir(d.shop.directory()).filePath("vantrel.accdb");
+        d.run("exec update sales set status='p'; exec update purchase set status='p'; exec delete from ledger");
+        d.shop.exec("with recursive n(i) as (select 1 union all select i + 1 from n where i < 32767) insert into ledger(refno,dat,ac,debit,type,balance) "
+                    "select i, '11/20/2026', 'RAM', (i % 997) * 0.01 + 1, 'payment', 0 from n");
+        d.shop.exec("with recursive n(i) as (select 1 union all select i + 1 from n where i < 3000) insert into ledger(refno,dat,ac,credit,accnm,type,balance) "
+                    "select i, '11/20/2026', 'RAVI MEDICALS', (i % 89) * 0.37 + 0.01, 'ACC ' || (i % 20), 'receipt', 0 from n");
+        d.shop.services().othersHaveTheShopOpen = [] { return true; };
+        d.run("open closeyear; said Another copy of Vantrel has the shop open. Close it first, then close the year.");
+        d.shop.services().othersHaveTheShopOpen = nullptr;
+        closeYear(path, planYearClose(path, FinancialYear{}, QDate(2026, 11, 24)), QDateTime(QDate(2026, 11, 24), QTime(18, 0)), "11/24/2026");
+        d.run("start sale D RAME; add 8901 1");
+        SqliteFile closed(closedYears(path)[0].second, SqliteFile::Access::ReadOnly);
+        const double credits = closed.number("select sum(credit) from ledger where type='receipt'");
+        const double carried = d.shop.db().query("select sum(credit) as c from ledger where type='receipt'").number("c");
+        QVERIFY2(carried == credits, qPrintable(QString::number(carried, 'g', 17) + " against " + QString::number(credits, 'g', 17)));
+        const float credit = toSingle(credits), debit = toSingle(closed.number("select sum(debit) from ledger where type='payment'") + 12.5);
+        d.run("sql select refno,balance from ledger where type='payment' and refno>0 => 1," + singleText(toSingle(std::abs(double(credit) - double(debit)))));
     }
 
     // A close cut off at any of its steps leaves the old file, or (once the new contents are in)
