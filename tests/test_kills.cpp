@@ -8,22 +8,27 @@
 //
 //   test_kills --kills N [--seed S]     the test (the default run kills a few times; the soak 200)
 //   test_kills --together N             two workers on one file at once until each completed N actions
+//   test_kills --closes N               the year closed N times, killed at a random moment of each
 //   test_kills --worker DIR SEED        the worker, started by the test
+//   test_kills --close DIR              closes the year of the shop in DIR, started by the test
 #include "app/mainwindow.h"
 #include "care/shopcheck.h"
 #include "care/sqlitefile.h"
 #include "data/connectionstring.h"
 #include "data/database.h"
 #include "data/schema.h"
+#include "data/unhandlederror.h"
 #include "support/ui.h"
 #include "widgets/clock.h"
 #include "widgets/dialogs.h"
 #include "widgets/grid.h"
 #include "widgets/screen.h"
 #include "widgets/services.h"
+#include "years/yearclose.h"
 
 #include <QApplication>
 #include <QDir>
+#include <QElapsedTimer>
 #include <QMap>
 #include <QProcess>
 #include <QRandomGenerator>
@@ -251,6 +256,78 @@ int runTogether(int actions, quint32 seed, const QString &self)
     return errors == 0 && report.damage.isEmpty() && reports[0].completed >= actions && reports[1].completed >= actions ? 0 : 1;
 }
 
+// Every row of every table, as text, sorted: what "each row exactly once" is counted against.
+QStringList rowsOf(const QString &path)
+{
+    SqliteFile file(path, SqliteFile::Access::ReadOnly);
+    QStringList rows;
+    for (const char *table : {"salesmain", "sales", "purchasemain", "purchase", "stock", "ledger"}) {
+        QStringList columns;
+        for (const QString &column : file.firstColumn(QStringLiteral("select name from pragma_table_info('%1')").arg(QLatin1String(table))))
+            columns << "quote(" + column + ")";
+        rows << file.firstColumn(QStringLiteral("select '%1 ' || %2 from %1").arg(QLatin1String(table), columns.join(" || ',' || ")));
+    }
+    rows.sort();
+    return rows;
+}
+
+// The year closed again and again on a shop of settled books, each close killed at a random
+// moment: afterwards (once a start has finished what the kill left) either the file is as it was
+// and no closed year's file exists, or the closed year's file holds every row the file held and
+// the file holds none of its documents.
+int runCloses(int closes, quint32 seed, const QString &self)
+{
+    QRandomGenerator random(seed);
+    int during = 0, closed = 0, failures = 0, span = 0;
+    for (int round = 0; round < closes; ++round) {
+        QTemporaryDir shop;
+        makeShop(shop.path());
+        const QString path = QDir(shop.path()).filePath(QStringLiteral("vantrel.accdb"));
+        SqliteFile(path, SqliteFile::Access::ReadWrite)
+            .execute("with recursive n(i) as (select 1 union all select i + 1 from n where i < 400) "
+                     "insert into salesmain(invoice,dat,party,trans,netamt) select i, '11/20/2026', 'PARTY A', 'C', 10 from n; "
+                     "insert into sales(invoice,prodname,party,qty,rate,amount,trans,status) select invoice, 'ITEM 01', party, 1, 10, 10, 'C', 'p' from salesmain; "
+                     "insert into ledger(refno,dat,ac,credit,accnm,type,balance) select invoice, dat, party, 10, 'CASH', 'receipt', invoice * 10 from salesmain");
+        const QStringList before = rowsOf(path);
+        QProcess worker;
+        worker.start(self, {QStringLiteral("--close"), shop.path()});
+        worker.waitForReadyRead(-1); // "begin"
+        QElapsedTimer took;
+        took.start();
+        // The first close runs whole and sets the span the kills fall in.
+        worker.waitForFinished(round == 0 ? -1 : int(random.bounded(quint32(span * 1.2) + 1)));
+        if (round == 0)
+            span = int(took.elapsed());
+        worker.kill();
+        worker.waitForFinished();
+        const QString said = QString::fromUtf8(worker.readAll());
+        during += said.contains(QLatin1String("done")) ? 0 : 1;
+        finishInterruptedClose(path);
+        const auto years = closedYears(path);
+        QString fault;
+        if (years.isEmpty()) {
+            fault = rowsOf(path) == before ? QString() : QStringLiteral("the file changed and no closed year holds its rows");
+        } else {
+            ++closed;
+            SqliteFile now(path, SqliteFile::Access::ReadOnly);
+            if (rowsOf(years[0].second) != before)
+                fault = QStringLiteral("the closed year does not hold every row once");
+            else if (now.number("select count(*) from salesmain") + now.number("select count(*) from ledger where refno <> 0") != 0)
+                fault = QStringLiteral("a closed row is still in the file");
+        }
+        if (QDir(shop.path() + "/years").entryList(QDir::Files).size() != years.size())
+            fault = QStringLiteral("a closed year's file was left unfinished");
+        const CheckReport report = checkShopFile(path, CheckDepth::Full);
+        if (!report.clean())
+            fault = report.text();
+        if (!fault.isEmpty())
+            std::printf("close %d: %s\n", round + 1, qPrintable(fault)), ++failures;
+    }
+    std::printf("%d closes of %d ms killed at random (%d in the middle of their work), %d of them closed; %d faults\n", closes, span, during, closed,
+                failures);
+    return failures == 0 ? 0 : 1;
+}
+
 } // namespace
 
 int main(int argc, char **argv)
@@ -264,12 +341,24 @@ int main(int argc, char **argv)
             Worker(args[2], args[3].toUInt()).run();
             return 0;
         }
+        if (args.size() == 3 && args[1] == QLatin1String("--close")) {
+            const QString path = QDir(args[2]).filePath(QStringLiteral("vantrel.accdb"));
+            say(QStringLiteral("begin"));
+            closeYear(path, planYearClose(path, FinancialYear{}, QDate(2026, 11, 24)), QDateTime::currentDateTime(), QStringLiteral("11/24/2026"));
+            say(QStringLiteral("done"));
+            return 0;
+        }
+        if (args.size() >= 3 && args[1] == QLatin1String("--closes"))
+            return runCloses(args[2].toInt(), QRandomGenerator::global()->generate(), app.applicationFilePath());
         if (args.size() >= 3 && args[1] == QLatin1String("--together"))
             return runTogether(args[2].toInt(), QRandomGenerator::global()->generate(), app.applicationFilePath());
         const int kills = args.indexOf("--kills") > 0 ? args.value(args.indexOf("--kills") + 1).toInt() : 5;
         const quint32 seed = args.indexOf("--seed") > 0 ? args.value(args.indexOf("--seed") + 1).toUInt() : QRandomGenerator::global()->generate();
         std::printf("seed %u\n", seed);
         return runTest(kills, seed, app.applicationFilePath());
+    } catch (const UnhandledError &error) {
+        std::printf("%s\n", qPrintable(error.message()));
+        return 1;
     } catch (const std::exception &error) {
         std::printf("%s\n", error.what());
         return 1;

@@ -25,6 +25,13 @@ QString exact(double value) { return QString::number(value, 'g', 17); }
 QString yearsFolder(const QString &database) { return QFileInfo(database).absoluteDir().filePath(QStringLiteral("years")); }
 QString newContents(const QString &database) { return database + QStringLiteral(".new"); }
 
+// A file the engine was writing when a kill came, with its journals.
+void removeUnfinished(const QString &path)
+{
+    for (const char *suffix : {"", "-journal", "-wal", "-shm"})
+        QFile::remove(path + QLatin1String(suffix));
+}
+
 // The newest date the books hold, or an invalid date when none can be read.
 QDate newestDate(SqliteFile &file)
 {
@@ -188,8 +195,8 @@ void closeYear(const QString &database, const YearClosePlan &plan, const QDateTi
     if (!QDir().mkpath(yearsFolder(database)))
         throw UnhandledError(QStringLiteral("Cannot make the folder %1").arg(yearsFolder(database)));
     const QString part = plan.yearFile + QStringLiteral(".part"), next = newContents(database);
-    QFile::remove(part);
-    QFile::remove(next);
+    removeUnfinished(part);
+    removeUnfinished(next);
     Backups::copyToNewFile(database, part);
     done(40);
     Backups::copyToNewFile(database, next);
@@ -209,8 +216,11 @@ void closeYear(const QString &database, const YearClosePlan &plan, const QDateTi
 
 void finishInterruptedClose(const QString &database)
 {
-    QFile::remove(newContents(database));
+    removeUnfinished(newContents(database));
     const QDir years(yearsFolder(database));
+    for (const QString &journal : years.entryList({QStringLiteral("*.accdb.part-*")}, QDir::Files))
+        if (!QFileInfo::exists(years.filePath(journal.section(QLatin1Char('-'), 0, -2))))
+            QFile::remove(years.filePath(journal));
     const QStringList parts = years.entryList({QStringLiteral("*.accdb.part")}, QDir::Files);
     if (parts.isEmpty())
         return;
@@ -223,7 +233,7 @@ void finishInterruptedClose(const QString &database)
         const QString name = part.chopped(int(qstrlen(".accdb.part")));
         const QString path = years.filePath(part), final = years.filePath(name + QStringLiteral(".accdb"));
         if (!closed.contains(name, Qt::CaseInsensitive)) {
-            QFile::remove(path);
+            removeUnfinished(path);
         } else if (!QFile::rename(path, final) || !QFile::setPermissions(final, QFile::ReadOwner)) {
             throw UnhandledError(QStringLiteral("Cannot put the closed year %1 in place").arg(final));
         }
