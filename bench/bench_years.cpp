@@ -1,14 +1,20 @@
-// The shop's years on a decade of data: the upgrade of a file of the first schema to the current
-// one (budget 10 s).
+// The shop's years: closing a year of a busy shop (budget 30 s, progress shown), opening one of
+// ten closed years (300 ms) and upgrading a decade file of the first schema (10 s).
 //
-// Usage: bench_years [--data DIR]    the decade file is made once into DIR (default bench-data),
-//                                    the same file bench_operator uses
+// Usage: bench_years [--data DIR]    the year and decade files are made once into DIR (default
+//                                    bench-data; the decade file is bench_operator's)
+#include "app/mainwindow.h"
 #include "care/sqlitefile.h"
+#include "data/database.h"
 #include "data/unhandlederror.h"
 #include "shopfile.h"
+#include "widgets/clock.h"
+#include "widgets/dialogs.h"
+#include "widgets/services.h"
 #include "years/schemaupgrade.h"
+#include "years/yearclose.h"
 
-#include <QCoreApplication>
+#include <QApplication>
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
@@ -18,37 +24,89 @@
 
 using namespace vantrel;
 
+namespace {
+
+// A fresh copy of the shop file made once at DATA/NAME-1.accdb, as DIRECTORY/vantrel.accdb.
+QString workCopy(const QString &data, const bench::ShopSize &size, const QString &directory)
+{
+    const QString made = data + QStringLiteral("/%1-1.accdb").arg(QLatin1String(size.name));
+    if (!QFile::exists(made)) {
+        std::printf("making the %s file (once; kept in %s)...\n", size.name, qPrintable(data));
+        QDir().mkpath(data);
+        bench::makeShopFile(made, size);
+    }
+    QDir(directory).removeRecursively();
+    QDir().mkpath(directory);
+    const QString file = directory + "/vantrel.accdb";
+    QFile::copy(made, file);
+    QFile::setPermissions(file, QFile::ReadOwner | QFile::WriteOwner);
+    return file;
+}
+
+void row(const char *what, double seconds, double budget)
+{
+    std::printf("| %-78s | %7.2f s | %5.1f s | %-3s |\n", what, seconds, budget, seconds <= budget ? "yes" : "NO");
+}
+
+class QuietDialogs final : public Dialogs {
+    void inform(const QString &) override {}
+    bool ask(const QString &) override { return false; }
+};
+
+} // namespace
+
 int main(int argc, char **argv)
 {
-    QCoreApplication app(argc, argv);
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    QApplication app(argc, argv);
     QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates));
     const QStringList args = app.arguments();
     const QString data = args.indexOf("--data") > 0 ? args.value(args.indexOf("--data") + 1) : QDir::currentPath() + "/bench-data";
     try {
-        const QString decade = data + "/decade-1.accdb", work = data + "/years";
-        if (!QFile::exists(decade)) {
-            std::printf("making the decade file (once; kept in %s)...\n", qPrintable(data));
-            QDir().mkpath(data);
-            bench::makeShopFile(decade, bench::decadeSize());
-        }
-        QDir(work).removeRecursively();
-        QDir().mkpath(work);
-        const QString file = work + "/vantrel.accdb";
-        QFile::copy(decade, file);
-        QFile::setPermissions(file, QFile::ReadOwner | QFile::WriteOwner);
+        std::printf("| %-78s | %9s | %7s | ok  |\n|%s|-----------|---------|-----|\n", "action", "time", "budget", QByteArray(80, '-').constData());
+        // Closing a year: its documents settled first, then the plan (with the full check) and the close.
+        const QString work = data + "/years";
+        const QString year = workCopy(data, bench::yearSize(), work);
+        SqliteFile(year, SqliteFile::Access::ReadWrite).execute("update sales set status='p'; update purchase set status='p'");
+        QElapsedTimer timer;
+        timer.start();
+        int reports = 0;
+        const YearClosePlan plan = planYearClose(year, FinancialYear{}, QDate(2026, 11, 24));
+        closeYear(year, plan, QDateTime::currentDateTime(), QStringLiteral("11/24/2026"), [&reports](int) { ++reports; });
+        row(qPrintable(QStringLiteral("closing a year (%1 invoices, %2 receipts and payments), progress told %3 times")
+                           .arg(plan.invoices).arg(plan.receipts + plan.payments).arg(reports)),
+            double(timer.elapsed()) / 1000, 30);
+
+        // Ten closed years beside the current one; one of them opened with its register.
+        for (int y = 2017; y <= 2025; ++y)
+            QFile::copy(plan.yearFile, QStringLiteral("%1/years/%2-%3.accdb").arg(work).arg(y).arg((y + 1) % 100, 2, 10, QLatin1Char('0')));
+        QuietDialogs dialogs;
+        SystemClock clock;
+        timer.restart();
         {
-            // The first schema: no statistics, no sum indexes, no guards, no recorded version.
-            SqliteFile old(file, SqliteFile::Access::ReadWrite);
+            Database db(QStringLiteral("Data Source=%1;").arg(closedYears(year).first().second), Database::Access::ReadOnly);
+            Services services{db, dialogs, clock, work, [](const QString &m) { std::fprintf(stderr, "%s\n", qPrintable(m)); }, {}, {}, {}};
+            MainWindow window(services, closedYears(year).first().first, nullptr);
+            window.show();
+            window.openScreen(QStringLiteral("dwsrpt"));
+            QCoreApplication::processEvents();
+            row("opening a past year (one of ten) with its date-wise sales register", double(timer.elapsed()) / 1000, 0.3);
+        }
+
+        // The upgrade of a decade file of the first schema: no statistics, sum indexes, guards or
+        // recorded version.
+        const QString decade = workCopy(data, bench::decadeSize(), work + "/decade");
+        {
+            SqliteFile old(decade, SqliteFile::Access::ReadWrite);
             for (const QString &trigger : old.firstColumn("select name from sqlite_schema where type = 'trigger'"))
                 old.execute("drop trigger " + trigger);
             old.execute("drop index ledger_credit; drop index ledger_debit; drop table sqlite_stat1; pragma user_version = 0; vacuum");
         }
-        QElapsedTimer timer;
-        timer.start();
-        const SchemaUpgrade upgrade = bringToCurrentSchema(file, work + "/backups", QDateTime::currentDateTime());
-        const double seconds = double(timer.elapsed()) / 1000;
-        std::printf("| upgrade of the decade file (%.0f MB) from schema %d to %d, backup and check included | %.1f s | budget 10 s | %s |\n",
-                    double(QFileInfo(file).size()) / 1e6, upgrade.from, upgrade.to, seconds, seconds <= 10 ? "yes" : "NO");
+        timer.restart();
+        const SchemaUpgrade upgrade = bringToCurrentSchema(decade, work + "/decade/backups", QDateTime::currentDateTime());
+        row(qPrintable(QStringLiteral("upgrading the decade file (%1 MB) from schema %2 to %3, backup and check included")
+                           .arg(QFileInfo(decade).size() / 1000000).arg(upgrade.from).arg(upgrade.to)),
+            double(timer.elapsed()) / 1000, 10);
         QDir(work).removeRecursively();
         return 0;
     } catch (const UnhandledError &error) {

@@ -128,6 +128,12 @@ const ShopSize &decadeSize()
     return size;
 }
 
+const ShopSize &yearSize()
+{
+    static const ShopSize size{"year", 500, 100000, 20000, 200000, 40000, 22000, 1};
+    return size;
+}
+
 QDate lastDay() { return QDate(2026, 11, 22); }
 
 QString productName(int n)

@@ -20,6 +20,8 @@ struct ShopSize {
 // A year of a small shop, and ten years of a busy one.
 const ShopSize &shopSize();
 const ShopSize &decadeSize();
+// One year of the decade's shop, with a full year of receipts and payments (thirty a day).
+const ShopSize &yearSize();
 
 // The day of the newest documents: the day book of this day has rows.
 QDate lastDay();
