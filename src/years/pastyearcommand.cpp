@@ -25,7 +25,7 @@ public:
         m_window->setWindowFlag(Qt::Window);
         m_window->setAttribute(Qt::WA_DeleteOnClose);
         setParent(m_window);
-        m_window->show();
+        m_window->showMaximized();
     }
     MainWindow *window() const { return m_window; }
 
@@ -52,7 +52,6 @@ void pastYearCommand(MainWindow &window, Services &services)
         return;
     try {
         auto *year = new PastYear(years[chosen].first, years[chosen].second, services, window);
-        year->window()->move(window.pos() + QPoint(40, 40));
         year->window()->openScreen(QStringLiteral("dwsrpt"));
     } catch (const UnhandledError &error) {
         services.dialogs.inform(error.message());
