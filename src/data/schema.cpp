@@ -74,7 +74,6 @@ create index ledger_type on ledger(type, refno);
 create index ledger_account on ledger(ac, dat);
 create index ledger_accnm on ledger(accnm);
 
-pragma journal_mode = wal;
 )sql";
 }
 
@@ -190,9 +189,10 @@ void createDatabaseFile(const QString &path)
     int rc = sqlite3_open_v2(name.constData(), &db, SQLITE_OPEN_READWRITE, nullptr);
     char *error = nullptr;
     if (rc == SQLITE_OK)
-        rc = sqlite3_exec(db, schemaText(), nullptr, nullptr, &error);
+        rc = sqlite3_exec(db, (QByteArrayLiteral("begin;") + schemaText()).constData(), nullptr, nullptr, &error);
     const QByteArray rest = QByteArray(ledgerSumIndexesText()) + statisticsText() + guardsText().toUtf8() + closedYearsText()
-        + QByteArrayLiteral("pragma user_version = ") + QByteArray::number(CurrentSchemaVersion) + ';';
+        + QByteArrayLiteral("pragma user_version = ") + QByteArray::number(CurrentSchemaVersion)
+        + "; commit; pragma journal_mode = wal;"; // the whole schema in one transaction, one sync
     if (rc == SQLITE_OK)
         rc = sqlite3_exec(db, rest.constData(), nullptr, nullptr, &error);
     const QString message = error ? QString::fromUtf8(error) : QString::fromUtf8(sqlite3_errmsg(db));

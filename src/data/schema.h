@@ -13,8 +13,7 @@ constexpr int CurrentSchemaVersion = 6;
 // file cannot be written.
 void createDatabaseFile(const QString &path);
 
-// The statements that create the tables, the receipt view and the indexes, and put the file in
-// write-ahead mode.
+// The statements that create the tables, the receipt view and the indexes.
 const char *schemaText();
 // The two indexes that cover the overall ledger sums (schema version 3).
 const char *ledgerSumIndexesText();

@@ -45,9 +45,11 @@ TestShop::TestShop(Start start) : m_dir(QDir::tempPath() + QStringLiteral("/vant
     for (const QString &line : QString::fromUtf8(sql.readAll()).split(QLatin1Char('\n')))
         if (!line.startsWith(QLatin1String("--")))
             text += line + QLatin1Char('\n');
+    exec(QStringLiteral("begin")); // one sync for the whole shop
     for (const QString &statement : text.split(QLatin1Char(';'), Qt::SkipEmptyParts))
         if (!statement.trimmed().isEmpty())
             exec(statement);
+    exec(QStringLiteral("commit"));
 }
 
 TestShop::~TestShop() = default;
