@@ -56,7 +56,6 @@ void MainWindow::buildStatusLine()
 {
     m_notice = new QLabel(this);
     m_notice->setObjectName(QStringLiteral("notice"));
-    m_notice->setWordWrap(true);
     m_notice->hide();
     statusBar()->addWidget(m_notice, 1);
     m_printed = new QLabel(this);
