@@ -11,7 +11,6 @@
 #include <QApplication>
 #include <QDir>
 #include <QFileInfo>
-#include <QRegularExpression>
 #include <cstdio>
 
 int main(int argc, char *argv[])
@@ -47,7 +46,9 @@ int main(int argc, char *argv[])
         }
         program = std::make_unique<vantrel::Program>(directory.path(), dialogs, clock, unhandledError);
         program->services().othersHaveTheShopOpen = [&presence] { return presence.othersPresent(); };
-        program->window().showNotice(QStringList{upgrade.notice(), vantrel::seriesWarning(program->db())}.filter(QRegularExpression(".")).join(' '));
+        QStringList notices{upgrade.notice(), vantrel::seriesWarning(program->db())};
+        notices.removeAll(QString());
+        program->window().showNotice(notices.join(QLatin1Char(' ')));
     } catch (const vantrel::UnhandledError &error) {
         std::fprintf(stderr, "vantrel: %s\n", qPrintable(error.message()));
         dialogs.inform(error.message());

@@ -211,6 +211,14 @@ void formatFunction(sqlite3_context *context, int, sqlite3_value **argv)
 
 } // namespace
 
+QDate dateOfText(const QString &text, const ShortDate &shortDate)
+{
+    const DateForm form{{shortDate.order()[0], shortDate.order()[1], shortDate.order()[2]}};
+    const QByteArray bytes = text.toUtf8();
+    Ymd day;
+    return parseDateText(bytes.constData(), int(bytes.size()), form, day) ? QDate(day.year, day.month, day.day) : QDate();
+}
+
 void registerSqlFunctions(sqlite3 *handle, const ShortDate &shortDate)
 {
     auto *form = new DateForm{{shortDate.order()[0], shortDate.order()[1], shortDate.order()[2]}};

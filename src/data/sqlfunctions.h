@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QDate>
+
 struct sqlite3;
 
 namespace vantrel {
@@ -15,5 +17,9 @@ class ShortDate;
 //     that is not a date comes back as its text.
 // Both run once per row of a register, so they parse bytes in place and allocate nothing.
 void registerSqlFunctions(sqlite3 *handle, const ShortDate &form);
+
+// The date that cdate reads in TEXT (the short date form or an ISO date); an invalid date for
+// any other text.
+QDate dateOfText(const QString &text, const ShortDate &form);
 
 } // namespace vantrel

@@ -35,20 +35,14 @@ void removeUnfinished(const QString &path)
 // The newest date the books hold, or an invalid date when none can be read.
 QDate newestDate(SqliteFile &file)
 {
-    registerSqlFunctions(file.handle(), ShortDate());
+    const ShortDate form;
     QDate newest;
     file.eachRow(QStringLiteral("select distinct dat from salesmain union select distinct dat from purchasemain "
                                 "union select distinct dat from ledger"),
                  [&](const SqliteRow &row) {
-                     if (row.isNull(0))
-                         return;
-                     try {
-                         const QDate day = QDate::fromString(file.firstColumn("select cdate(" + quoted(row.text(0)) + ")").value(0), Qt::ISODate);
-                         if (day.isValid() && (!newest.isValid() || day > newest))
-                             newest = day;
-                     } catch (const UnhandledError &) {
-                         // a text that is no date names no year
-                     }
+                     const QDate day = row.isNull(0) ? QDate() : dateOfText(row.text(0), form);
+                     if (day.isValid() && (!newest.isValid() || day > newest))
+                         newest = day;
                  });
     return newest;
 }
