@@ -26,6 +26,8 @@ namespace {
 // What turns a file of the current schema back into the one that landed as each version (the
 // SQL of each later step undone, newest first).
 const QStringList Downgrades = {
+    "select 'drop trigger ' || name from sqlite_schema where name like '%log%' and type = 'trigger' "
+    "union all values ('drop table editlog'), ('pragma user_version = 6')",          // to 6: no edit log
     "drop table closedyears; pragma user_version = 5",                                // to 5: no closed years
     "pragma user_version = 0",                                                        // to 4: the version not recorded
     "select 'drop trigger ' || name from sqlite_schema where type = 'trigger'",         // to 3: no numbering guards
@@ -88,8 +90,14 @@ private slots:
             if (upgrade.upgraded()) {
                 QCOMPARE(Backups::verify(upgrade.backup), QStringList{"ok"});
                 QCOMPARE(schemaVersion(*std::make_unique<SqliteFile>(upgrade.backup, SqliteFile::Access::ReadOnly)), version);
-                QVERIFY2(upgrade.notice().startsWith(QStringLiteral("The shop's file was brought from schema %1 to 6").arg(version)), qPrintable(upgrade.notice()));
+                QVERIFY2(upgrade.notice().startsWith(QStringLiteral("The shop's file was brought from schema %1 to %2").arg(version).arg(CurrentSchemaVersion)), qPrintable(upgrade.notice()));
             }
+            // The log starts with the rows the file held, and the full check finds them as it started.
+            QCOMPARE(shop.rows("select action, json_extract(new, '$.note') from editlog where id = (select max(id) from editlog where action = 'start')").first(),
+                     (QStringList{"start", version < CurrentSchemaVersion ? QStringLiteral("The file was brought from schema %1 to %2; the edit log starts here, "
+                                                                                           "with the rows the file held.").arg(version).arg(CurrentSchemaVersion)
+                                                                         : QStringLiteral("A new shop file: the edit log starts with it.")}));
+            QVERIFY2(checkShopFile(path, CheckDepth::Full).clean(), qPrintable(checkShopFile(path, CheckDepth::Full).text()));
             // The guards are in force again.
             QVERIFY_THROWS_EXCEPTION(UnhandledError, shop.db().execute("insert into ledger(refno) values('X')"));
         }
@@ -111,13 +119,13 @@ private slots:
         QVERIFY_THROWS_EXCEPTION(UnhandledError, bringToCurrentSchema(path, shop.directory() + "/backups", now));
         QCOMPARE(schemaOf(path), before);
 
-        SqliteFile(path, SqliteFile::Access::ReadWrite).execute("drop table ledger_credit; pragma user_version = 7");
+        SqliteFile(path, SqliteFile::Access::ReadWrite).execute("drop table ledger_credit; pragma user_version = 8");
         const QStringList newer = schemaOf(path);
         try {
             bringToCurrentSchema(path, shop.directory() + "/later", now);
             QFAIL("a newer file was accepted");
         } catch (const UnhandledError &error) {
-            QVERIFY2(error.message().endsWith("was written by a newer Vantrel (schema version 7; this program knows up to 6). "
+            QVERIFY2(error.message().endsWith("was written by a newer Vantrel (schema version 8; this program knows up to 7). "
                                               "Nothing was changed; start the newer program."), qPrintable(error.message()));
         }
         QCOMPARE(schemaOf(path), newer);
@@ -153,6 +161,12 @@ private slots:
         QCOMPARE(QFile::permissions(closedYears(path)[0].second) & 0x7077, QFileDevice::ReadOwner);
         QCOMPARE(SqliteFile(closedYears(path)[0].second, SqliteFile::Access::ReadOnly).number("select sum(netamt) from salesmain"), 132.5);
         QVERIFY(checkShopFile(path, CheckDepth::Full).clean());
+        // The year's log ends with its close; the shop's starts again from it, chained by its last hash.
+        QVERIFY(checkShopFile(closedYears(path)[0].second, CheckDepth::Full).clean());
+        const QStringList yearEnds = SqliteFile(closedYears(path)[0].second, SqliteFile::Access::ReadOnly)
+                                         .firstColumn("select action || ',' || hash from editlog order by id desc limit 1");
+        d.run("sql select action || ',' || json_extract(new, '$.closedYearLastHash') from editlog order by id limit 1 => start," + yearEnds.value(0).section(',', 1));
+        QCOMPARE(yearEnds.value(0).section(',', 0, 0), QStringLiteral("close"));
     }
 
     // A file at the wall: 32,767 payments and receipts into twenty accounts, amounts in paise.

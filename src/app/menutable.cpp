@@ -1,6 +1,7 @@
 #include "menutable.h"
 
 #include "accounts/ledgerscreen.h"
+#include "audit/editlogscreen.h"
 #include "accounts/receiptscreen.h"
 #include "masters/companymasterscreen.h"
 #include "masters/partymasterscreen.h"
@@ -54,7 +55,8 @@ const QVector<Menu> &menuTable()
           {"prpur", "Partywise Purchase Report", makeKind<PartyRegisterScreen, &PartyRegisterScreen::Purchase>, nullptr, true}}},
         {"stk", "Stock", {{"stksum", "Stock Summary", make<StockScreen>, nullptr, true}}},
         // Added after the system's own menus.
-        {"tools", "Tools", {{"closeyear", "Close Year...", nullptr, closeYearCommand}, {"pastyear", "Past Year...", nullptr, pastYearCommand}}},
+        {"tools", "Tools", {{"closeyear", "Close Year...", nullptr, closeYearCommand}, {"pastyear", "Past Year...", nullptr, pastYearCommand},
+                   {"editlog", "Edit Log", make<EditLogScreen>, nullptr, true}}},
     };
     return menus;
 }

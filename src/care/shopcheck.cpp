@@ -1,5 +1,6 @@
 #include "shopcheck.h"
 
+#include "audit/editlogcheck.h"
 #include "data/records.h"
 #include "sqlitefile.h"
 
@@ -199,6 +200,8 @@ QString CheckReport::text() const
         text += "The file is damaged: " + line + "\n";
     for (const Finding &finding : traces)
         text += finding.kind + ": " + finding.rows + "\n";
+    for (const Finding &finding : notices)
+        text += "Noted: " + finding.kind + ": " + finding.rows + "\n";
     if (clean())
         text += QStringLiteral("No trace of an interrupted action.\n");
     else
@@ -222,6 +225,7 @@ CheckReport checkShopFile(const QString &path, CheckDepth depth)
     checker.ledger();
     checker.stock();
     checker.numbering();
+    checkEditLog(file, depth, report);
     return report;
 }
 

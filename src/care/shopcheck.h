@@ -16,6 +16,7 @@ struct CheckReport {
     bool pagesChecked = false;
     QStringList damage; // the engine's integrity check, when it found anything
     QList<Finding> traces;
+    QList<Finding> notices; // worth knowing, not wrong: changes the edit log shows another hand made
 
     bool clean() const { return damage.isEmpty() && traces.isEmpty(); }
     // The report in plain words, one line per finding, ending in a line that sums it up.

@@ -5,6 +5,7 @@
 #include "shortdate.h"
 #include "sqlfunctions.h"
 #include "unhandlederror.h"
+#include "audit/editlog.h"
 
 #include <QSqlDriver>
 #include <QSqlError>
@@ -93,7 +94,14 @@ QString Database::openConnection(const QString &name, Role role)
         db.close();
         return failure;
     }
-    registerSqlFunctions(*static_cast<sqlite3 *const *>(handle.constData()), ShortDate());
+    sqlite3 *engine = *static_cast<sqlite3 *const *>(handle.constData());
+    registerSqlFunctions(engine, ShortDate());
+    if (role == Writer && m_access == Access::ReadWrite)
+        failure = attachEditLog(engine);
+    if (!failure.isEmpty()) {
+        db.close();
+        return QStringLiteral("the edit log cannot be kept: %1").arg(failure);
+    }
     return {};
 }
 

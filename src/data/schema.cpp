@@ -1,6 +1,7 @@
 #include "schema.h"
 
 #include "unhandlederror.h"
+#include "audit/editlog.h"
 
 #include <QFile>
 #include <QStringList>
@@ -191,11 +192,26 @@ void createDatabaseFile(const QString &path)
     if (rc == SQLITE_OK)
         rc = sqlite3_exec(db, (QByteArrayLiteral("begin;") + schemaText()).constData(), nullptr, nullptr, &error);
     const QByteArray rest = QByteArray(ledgerSumIndexesText()) + statisticsText() + guardsText().toUtf8() + closedYearsText()
-        + QByteArrayLiteral("pragma user_version = ") + QByteArray::number(CurrentSchemaVersion)
-        + "; commit; pragma journal_mode = wal;"; // the whole schema in one transaction, one sync
+        + editLogStatements().join(QStringLiteral(";\n")).toUtf8() + ";";
     if (rc == SQLITE_OK)
         rc = sqlite3_exec(db, rest.constData(), nullptr, nullptr, &error);
-    const QString message = error ? QString::fromUtf8(error) : QString::fromUtf8(sqlite3_errmsg(db));
+    QString message = error ? QString::fromUtf8(error) : QString::fromUtf8(sqlite3_errmsg(db));
+    if (rc == SQLITE_OK) {
+        message = attachEditLog(db);
+        try {
+            if (message.isEmpty())
+                writeEditLogNote(db, QStringLiteral("start"), QStringLiteral("A new shop file: the edit log starts with it."));
+        } catch (const UnhandledError &failure) {
+            message = failure.message();
+        }
+        rc = message.isEmpty() ? SQLITE_OK : SQLITE_ERROR;
+    }
+    const QByteArray version = QByteArrayLiteral("pragma user_version = ") + QByteArray::number(CurrentSchemaVersion)
+        + "; commit; pragma journal_mode = wal;"; // the whole schema in one transaction, one sync
+    if (rc == SQLITE_OK && sqlite3_exec(db, version.constData(), nullptr, nullptr, &error) != SQLITE_OK) {
+        rc = SQLITE_ERROR;
+        message = QString::fromUtf8(error);
+    }
     sqlite3_free(error);
     sqlite3_close(db);
     if (rc != SQLITE_OK) {

@@ -1,5 +1,6 @@
 #include "schemaupgrade.h"
 
+#include "audit/editlog.h"
 #include "care/backups.h"
 #include "care/shopcheck.h"
 #include "care/sqlitefile.h"
@@ -20,7 +21,8 @@ bool holds(SqliteFile &file, const char *type, const char *name)
 }
 
 // The statements that bring a file of version TO - 1 to version TO. Version 5 only records the
-// version, which the caller does for every upgrade; version 6 lists the closed years.
+// version, which the caller does for every upgrade; version 6 lists the closed years; version 7
+// keeps the edit log, which starts with the rows the file holds.
 QString stepTo(int to)
 {
     switch (to) {
@@ -32,6 +34,8 @@ QString stepTo(int to)
         return guardsText();
     case 6:
         return QString::fromLatin1(closedYearsText());
+    case 7:
+        return editLogStatements().join(QStringLiteral(";\n")) + QLatin1Char(';');
     default:
         return QString();
     }
@@ -88,6 +92,15 @@ SchemaUpgrade bringToCurrentSchema(const QString &path, const QString &backupFol
     try {
         for (int to = result.from + 1; to <= CurrentSchemaVersion; ++to)
             file.execute(stepTo(to));
+        if (result.from < 7) {
+            const QString failure = attachEditLog(file.handle());
+            if (!failure.isEmpty())
+                throw UnhandledError(QStringLiteral("Cannot start the edit log in %1: %2").arg(path, failure));
+            writeEditLogNote(file.handle(), QStringLiteral("start"),
+                             QStringLiteral("The file was brought from schema %1 to %2; the edit log starts here, with the rows the file held.")
+                                 .arg(result.from)
+                                 .arg(CurrentSchemaVersion));
+        }
         file.execute(QStringLiteral("pragma user_version = %1").arg(CurrentSchemaVersion));
         file.execute(QStringLiteral("commit"));
     } catch (...) {

@@ -1,5 +1,6 @@
 #include "yearclose.h"
 
+#include "audit/editlog.h"
 #include "care/backups.h"
 #include "care/shopcheck.h"
 #include "care/sqlitefile.h"
@@ -99,6 +100,34 @@ void carryForward(SqliteFile &file, const YearClosePlan &plan, const QString &da
                      .arg(quoted(plan.name), date, quoted(QStringLiteral("years/") + QFileInfo(plan.yearFile).fileName())));
 }
 
+// The year's file ends its log with the close; returns the hash the log ends on.
+QByteArray noteTheClose(const QString &yearFile, const YearClosePlan &plan)
+{
+    SqliteFile file(yearFile, SqliteFile::Access::ReadWrite);
+    const QString failure = attachEditLog(file.handle());
+    if (!failure.isEmpty())
+        file.fail(QStringLiteral("keep the edit log"));
+    writeEditLogNote(file.handle(), QStringLiteral("close"),
+                     QStringLiteral("The year %1 is closed: this file keeps its books and is not written again.").arg(plan.name));
+    return lastEditLogHash(file.handle());
+}
+
+// The new contents start a log of their own, from the rows carried forward, chained to the
+// closed year's by the hash its log ends on. Its triggers were dropped while the books were
+// emptied; they stand again before the transaction ends.
+void restartEditLog(SqliteFile &file, const YearClosePlan &plan, const QByteArray &yearsLastHash)
+{
+    file.execute(QStringLiteral("drop table editlog"));
+    file.execute(editLogStatements().join(QStringLiteral(";\n")));
+    const QString failure = attachEditLog(file.handle());
+    if (!failure.isEmpty())
+        file.fail(QStringLiteral("keep the edit log"));
+    writeEditLogNote(file.handle(), QStringLiteral("start"),
+                     QStringLiteral("The year %1 was closed into years/%2; the edit log starts again with the rows carried forward.")
+                         .arg(plan.name, QFileInfo(plan.yearFile).fileName()),
+                     QString::fromLatin1(yearsLastHash));
+}
+
 } // namespace
 
 QString FinancialYear::nameOf(const QDate &day) const
@@ -192,12 +221,15 @@ void closeYear(const QString &database, const YearClosePlan &plan, const QDateTi
     removeUnfinished(part);
     removeUnfinished(next);
     Backups::copyToNewFile(database, part);
+    const QByteArray yearsLastHash = noteTheClose(part, plan);
     done(40);
     Backups::copyToNewFile(database, next);
     {
         SqliteFile file(next, SqliteFile::Access::ReadWrite);
         file.execute(QStringLiteral("begin immediate"));
+        file.execute(dropEditLogTriggersText());
         carryForward(file, plan, dateText);
+        restartEditLog(file, plan, yearsLastHash);
         file.execute(QStringLiteral("commit"));
     }
     done(60);

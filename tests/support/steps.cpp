@@ -10,6 +10,8 @@
 #include <QMdiArea>
 #include <QMdiSubWindow>
 #include <QProcess>
+#include <QRegularExpression>
+#include "care/shopcheck.h"
 #include "data/unhandlederror.h"
 #include <algorithm>
 
@@ -98,6 +100,30 @@ QString StepDesk::printout() const
     return printed.open(QIODevice::ReadOnly) ? QString::fromUtf8(printed.readAll()) : QStringLiteral("(nothing was printed)");
 }
 
+namespace {
+
+QString same(const QString &what, const QString &actual, const QString &expected)
+{
+    return actual == expected ? QString() : QStringLiteral("%1: expected \"%2\", got \"%3\"").arg(what, expected, actual);
+}
+
+// ACTUAL against the lines of EXPECTED (joined by " | "); "..." in a line stands for any text.
+QString sameLines(const QString &what, QStringList actual, const QString &expectedText)
+{
+    const QStringList expected = expectedText.split(QStringLiteral(" | "), Qt::SkipEmptyParts);
+    for (int i = 0; i < std::min(actual.size(), expected.size()); ++i) {
+        QStringList parts = expected[i].split(QStringLiteral("..."));
+        for (QString &part : parts)
+            part = QRegularExpression::escape(part);
+        if (QRegularExpression(QRegularExpression::anchoredPattern(parts.join(QStringLiteral(".*"))),
+                               QRegularExpression::DotMatchesEverythingOption).match(actual[i]).hasMatch())
+            actual[i] = expected[i];
+    }
+    return same(what, actual.join(" | "), expected.join(" | "));
+}
+
+} // namespace
+
 StepDesk::Snapshot StepDesk::snapshot()
 {
     Snapshot tables;
@@ -119,9 +145,6 @@ void StepDesk::step(const QString &verb, const QString &argument)
 {
     const QString name = argument.section(QLatin1Char('='), 0, 0);
     const QString value = argument.section(QLatin1Char('='), 1);
-    const auto same = [](const QString &what, const QString &actual, const QString &expected) {
-        return actual == expected ? QString() : QStringLiteral("%1: expected \"%2\", got \"%3\"").arg(what, expected, actual);
-    };
     QString failure;
     if (verb == "open") {
         m_window->findChild<QAction *>(argument)->trigger();
@@ -195,10 +218,10 @@ void StepDesk::step(const QString &verb, const QString &argument)
         failure = same(sql, message, argument.section(" => ", 1));
     } else if (verb == "shell") {
         QProcess shell;
-        shell.start(QStringLiteral("sqlite3"), {shop.db().fileName(), argument.section(" => ", 0, 0)});
+        shell.start(QStringLiteral("sqlite3"), {shop.db().fileName(), argument.section(" =>", 0, 0)});
         CHECK(shell.waitForFinished(10000), "the sqlite3 shell did not run");
         const QString out = QString::fromUtf8(shell.readAllStandardOutput() + shell.readAllStandardError()).trimmed();
-        failure = same("the shell", out.split(QLatin1Char('\n')).join(" | "), argument.section(" => ", 1));
+        failure = same("the shell", out.split(QLatin1Char('\n')).join(" | "), argument.section(" =>", 1).trimmed());
     } else if (verb == "force") {
         button(m_screen, argument)->setEnabled(true);
     } else if (verb == "status") {
@@ -214,6 +237,16 @@ void StepDesk::step(const QString &verb, const QString &argument)
         Grid *g = grid(m_screen, name);
         failure = same(argument, g->text(value.section(',', 0, 0).toInt(), value.section(',', 1, 1).section('=', 0, 0).toInt()),
                        value.section('=', 1));
+    } else if (verb == "top") {
+        Grid *g = grid(m_screen, name);
+        Rows expected = table(value), rows;
+        for (int r = 1; r <= expected.size() && r < g->rows(); ++r) {
+            QStringList row;
+            for (int c = 0; c < g->cols(); ++c)
+                row << (expected[r - 1].value(c) == "*" ? QStringLiteral("*") : g->text(r, c));
+            rows << row;
+        }
+        failure = same(name, shown(rows), shown(expected));
     } else if (verb == "list") {
         Grid *g = grid(m_screen, name);
         Rows rows;
@@ -253,14 +286,16 @@ void StepDesk::step(const QString &verb, const QString &argument)
     } else if (verb == "shown") {
         failure = same(argument, target(name)->isVisibleTo(m_screen) ? "yes" : "no", value);
     } else if (verb == "said") {
-        // A message written with "..." at its end stands for every message that begins so.
-        QStringList said = shop.dialogs.shown.mid(m_said);
-        const QStringList expected = argument.split(QStringLiteral(" | "), Qt::SkipEmptyParts);
+        failure = sameLines("the messages", shop.dialogs.shown.mid(m_said), argument);
         m_said = int(shop.dialogs.shown.size());
-        for (int i = 0; i < std::min(said.size(), expected.size()); ++i)
-            if (expected[i].endsWith(QLatin1String("...")) && said[i].startsWith(expected[i].chopped(3)))
-                said[i] = expected[i];
-        failure = same("the messages", said.join(" | "), expected.join(" | "));
+    } else if (verb == "check") {
+        const CheckReport report = checkShopFile(shop.db().fileName(), CheckDepth::Full);
+        QStringList found;
+        for (const Finding &finding : report.traces)
+            found << finding.kind + ": " + finding.rows;
+        for (const Finding &finding : report.notices)
+            found << "Noted: " + finding.kind + ": " + finding.rows;
+        failure = sameLines("the check's findings", found + report.damage, argument);
     } else if (verb == "sql") {
         failure = same(argument.section(" => ", 0, 0), shown(shop.rows(argument.section(" => ", 0, 0))), shown(table(argument.section(" => ", 1))));
     } else if (verb == "printed") {

@@ -23,11 +23,13 @@ namespace vantrel::test {
 //   field TARGET=TEXT        the field's text               grid GRID=ROW,COL=TEXT
 //   rows GRID=COUNT          with the heading row           focused TARGET
 //   list GRID=a,b | c,d      every data row, in any order   line N=TEXT   the printout's line N
+//   top GRID=a,b | c,d       the first data rows, in order; "*" stands for any cell
 //   width GRID=HEADING=TWIPS the width of the column so headed
 //   enabled CAPTION=yes|no   shown TARGET=yes|no
-//   said M1 | M2             the messages since the last said (none when empty); "M..." is any
-//                            message that begins with M
+//   said M1 | M2             the messages since the last said (none when empty); "..." in a
+//                            message stands for any text
 //   sql QUERY => a,b | c,d   the rows of a query (empty cells as nothing)
+//   check F1 | F2            the full check's findings, then what it notes ("..." as for said)
 //   printed LINE | LINE      the printer file's lines
 //   changed TABLE +N -N ~N, ...   rows inserted, deleted, updated since the last changed (or the
 //                            start); every table not named is unchanged

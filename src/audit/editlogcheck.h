@@ -1,0 +1,17 @@
+#pragma once
+
+#include "care/shopcheck.h"
+
+namespace vantrel {
+
+class SqliteFile;
+
+// Looks at the edit log of FILE and adds to REPORT what it finds. Both depths check that the
+// log and every one of its triggers stand as the program made them. The full check also walks
+// the chain from the log's start (naming the first entry where it breaks: an entry changed,
+// deleted or put in out of turn), replays every table's entries against its rows (a row
+// written or changed while the log was off, and the rows the log started from), and notes each
+// change that something other than the program made.
+void checkEditLog(SqliteFile &file, CheckDepth depth, CheckReport &report);
+
+} // namespace vantrel
