@@ -1,5 +1,7 @@
 #include "shopfile.h"
 
+#include "audit/editlog.h"
+
 #include "care/sqlitefile.h"
 #include "data/schema.h"
 #include "data/shortdate.h"
@@ -64,6 +66,9 @@ public:
     {
         m_file.execute(QStringLiteral("pragma synchronous=off"));
         m_file.execute(QStringLiteral("begin"));
+        // The years of work the file stands for were keyed through the program: its log too.
+        if (!attachEditLog(m_file.handle()).isEmpty())
+            m_file.fail(QStringLiteral("keep the edit log"));
     }
 
     // Prepares an insert whose values are all bound by insert().
