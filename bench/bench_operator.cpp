@@ -2,8 +2,9 @@
 // search fields, item code, "&Add", re-open, party pick, cancel, settle, registers, day book,
 // stock, ledger, start-up, and the peak memory of the session.
 //
-// Usage: bench_operator [shop|decade|both] [--data DIR] [--samples N]
+// Usage: bench_operator [shop|decade|both] [--data DIR] [--samples N] [--without-log]
 //
+// With --without-log the working copy has no edit log: the run the log's cost is measured against.
 // The shop files are made once (deterministic, through the program's schema) and kept in DIR
 // (default: bench-data in the current directory); each run works on a copy. For every action it
 // prints the median and the 95th percentile of its time, the time of the same statements run
@@ -11,6 +12,8 @@
 // file), their ratio and the budget.
 #include "app/mainwindow.h"
 #include "app/program.h"
+#include "audit/editlog.h"
+#include "care/sqlitefile.h"
 #include "data/connectionstring.h"
 #include "data/database.h"
 #include "data/sqlfunctions.h"
@@ -452,7 +455,7 @@ void copyFile(const QString &from, const QString &to)
 }
 
 // Child: one size's session; prints its table.
-int benchmark(const ShopSize &size, const QString &dataDirectory, int samples, int argc, char **argv)
+int benchmark(const ShopSize &size, const QString &dataDirectory, int samples, bool withoutLog, int argc, char **argv)
 {
     QApplication app(argc, argv);
     const QString self = QCoreApplication::applicationFilePath();
@@ -461,6 +464,9 @@ int benchmark(const ShopSize &size, const QString &dataDirectory, int samples, i
     QDir().mkpath(work);
     copyFile(original, work + "/vantrel.accdb");
     copyFile(original, work + "/bare.accdb");
+    if (withoutLog)
+        for (const char *copy : {"/vantrel.accdb", "/bare.accdb"})
+            SqliteFile(work + QLatin1String(copy), SqliteFile::Access::ReadWrite).execute(dropEditLogTriggersText() + "drop table editlog;");
 
     std::printf("\n%s: %d products, %d parties, %d sales lines, %d purchase lines, %d ledger rows (%.0f MB)\n", size.name, size.products,
                 size.parties, size.salesLines, size.purchaseLines, std::min(size.ledgerRows / 2, 32000) * 2,
@@ -508,7 +514,7 @@ int main(int argc, char **argv)
         }
         QString which = QStringLiteral("both"), data = QDir::currentPath() + QStringLiteral("/bench-data");
         int samples = 30;
-        bool oneSize = false;
+        bool oneSize = false, withoutLog = false;
         for (int i = 1; i < argc; ++i) {
             const QString arg = QString::fromLocal8Bit(argv[i]);
             if (arg == QLatin1String("--data") && i + 1 < argc)
@@ -517,23 +523,26 @@ int main(int argc, char **argv)
                 samples = std::max(4, std::atoi(argv[++i]));
             else if (arg == QLatin1String("--one"))
                 oneSize = true;
+            else if (arg == QLatin1String("--without-log"))
+                withoutLog = true;
             else
                 which = arg;
         }
         if (oneSize)
-            return benchmark(*sizeNamed(which), data, samples, argc, argv);
+            return benchmark(*sizeNamed(which), data, samples, withoutLog, argc, argv);
         // Each size in a process of its own: its peak memory is its own session's.
         const QStringList sizes = which == QLatin1String("both") ? QStringList{"shop", "decade"} : QStringList{which};
         QCoreApplication app(argc, argv);
         for (const QString &size : sizes) {
             if (!sizeNamed(size)) {
-                std::fprintf(stderr, "usage: bench_operator [shop|decade|both] [--data DIR] [--samples N]\n");
+                std::fprintf(stderr, "usage: bench_operator [shop|decade|both] [--data DIR] [--samples N] [--without-log]\n");
                 return 2;
             }
             QProcess child;
             child.setProcessChannelMode(QProcess::ForwardedChannels);
             child.start(QCoreApplication::applicationFilePath(),
-                        {size, QStringLiteral("--one"), QStringLiteral("--data"), data, QStringLiteral("--samples"), QString::number(samples)});
+                        QStringList{size, QStringLiteral("--one"), QStringLiteral("--data"), data, QStringLiteral("--samples"), QString::number(samples)}
+                            + (withoutLog ? QStringList{QStringLiteral("--without-log")} : QStringList{}));
             child.waitForFinished(-1);
             if (child.exitCode() != 0)
                 return child.exitCode();

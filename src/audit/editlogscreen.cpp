@@ -66,6 +66,7 @@ EditLogScreen::EditLogScreen(Services &services, QWidget *parent) : Screen(servi
     form->addRow(tableLabel, m_table);
     m_number = addField(form, QStringLiteral("Number"));
     m_party = addField(form, QStringLiteral("Party"));
+    m_table->setMaximumWidth(m_party->maximumWidth());
     auto *show = new QPushButton(QStringLiteral("&Show"), this);
     form->addRow(QString(), show);
     show->setMaximumWidth(show->sizeHint().width() + 24);

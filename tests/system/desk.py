@@ -26,7 +26,7 @@ _running = []  # the programs a case started; closed when it ends
 
 # The menu bar as the keyboard walks it: F10 opens "File", Right moves to the next menu, Down to
 # the next entry. Each entry: (menu, entry caption, caption of the screen it opens).
-MENUS = ["File", "Transaction", "Sales Report", "Purchase Report", "Stock"]
+MENUS = ["File", "Transaction", "Sales Report", "Purchase Report", "Stock", "Tools"]
 ENTRIES = [
     ("File", "Receipt", "Receipt"),
     ("File", "Ledger", "Ledger"),
@@ -42,6 +42,9 @@ ENTRIES = [
     ("Purchase Report", "DateWise Purchase Report", "Purchase Datewise Report"),
     ("Purchase Report", "Partywise Purchase Report", "Partywise Purchase Report"),
     ("Stock", "Stock Summary", "Stock"),
+    ("Tools", "Close Year...", None),  # commands: no screen of their own
+    ("Tools", "Past Year...", None),
+    ("Tools", "Edit Log", "Edit Log"),
 ]
 
 

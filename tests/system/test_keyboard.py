@@ -71,6 +71,11 @@ CASES = {
         keys F10 Right Right Right Right Right Return; box Close the year 2026-27?...=alt+y
         box The year 2026-27 is closed, its books kept in...=Return; in Sales; focus C/D; nobox
         sql select count(*) from salesmain => 0""",
+
+    # The changes of today, narrowed to a party, then printed.
+    "the edit log read and printed from the keyboard": """
+        menu Edit Log; focus From; tab Party; type ramesh; keys alt+s; nobox
+        keys alt+p; printed suppname; printed RAMESH; status Edit Log; nobox""",
 }
 
 SETTLED = "update sales set status='p'; update purchase set status='p';"

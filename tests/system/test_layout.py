@@ -72,7 +72,7 @@ def every_screen_fits_when_it_opens(program_dir):
     found = misfits(p, "Sales")
     p.screenshot("%s-start" % size)
     for menu, entry, caption in ENTRIES:
-        if caption == "Sales":
+        if caption in ("Sales", None):
             continue
         p.choose_from_menu(entry, menu)
         wait_for("the keyboard in " + caption, lambda: p.focused_screen() == caption)
