@@ -11,6 +11,7 @@
 #include "widgets/screen.h"
 
 #include <QAbstractItemView>
+#include <QRegularExpression>
 #include <QAbstractSpinBox>
 #include <QComboBox>
 #include <QDir>
@@ -82,7 +83,7 @@ private slots:
             QMenu *menu = menuAction->menu();
             tree << menu->objectName() + "=" + menu->title();
             for (QAction *entry : menu->actions()) {
-                if (entry->objectName().endsWith(QLatin1String("year"))) { // commands, not screens
+                if (entry->objectName().contains(QRegularExpression("year|export"))) { // commands, not screens
                     tree << "  " + entry->objectName() + "=" + entry->text();
                     continue;
                 }
@@ -98,7 +99,7 @@ private slots:
                            "  prsale=Partywise sales Report > Partywise Sales Report",
                            "prpt=Purchase Report", "  pdb=Day Book > Purchase Day Book", "  dtprpt=DateWise Purchase Report > Purchase Datewise Report",
                            "  prpur=Partywise Purchase Report > Partywise Purchase Report",
-                           "stk=Stock", "  stksum=Stock Summary > Stock", "tools=Tools", "  closeyear=Close Year...", "  pastyear=Past Year...", "  editlog=Edit Log > Edit Log"}));
+                           "stk=Stock", "  stksum=Stock Summary > Stock", "tools=Tools", "  closeyear=Close Year...", "  pastyear=Past Year...", "  editlog=Edit Log > Edit Log", "  exportxlsx=Export to Excel", "  exportcsv=Export to CSV"}));
         QCOMPARE(p.screens().size(), 15);
         QVERIFY(p.shop.unhandledErrors.isEmpty());
     }

@@ -81,6 +81,10 @@ void MainWindow::buildMenus(bool readOnly)
             QAction *action = qmenu->addAction(QString::fromLatin1(entry.caption));
             const QString name = QString::fromLatin1(entry.name);
             action->setObjectName(name);
+            if (entry.shortcut) {
+                action->setShortcut(QKeySequence(QLatin1String(entry.shortcut)));
+                addAction(action); // its key works wherever the keyboard is in the window, menu closed
+            }
             if (entry.run)
                 connect(action, &QAction::triggered, this, [this, run = entry.run] { run(*this, m_services); });
             else

@@ -2,6 +2,7 @@
 
 #include "accounts/ledgerscreen.h"
 #include "audit/editlogscreen.h"
+#include "export/exportcommand.h"
 #include "accounts/receiptscreen.h"
 #include "masters/companymasterscreen.h"
 #include "masters/partymasterscreen.h"
@@ -56,7 +57,9 @@ const QVector<Menu> &menuTable()
         {"stk", "Stock", {{"stksum", "Stock Summary", make<StockScreen>, nullptr, true}}},
         // Added after the system's own menus.
         {"tools", "Tools", {{"closeyear", "Close Year...", nullptr, closeYearCommand}, {"pastyear", "Past Year...", nullptr, pastYearCommand},
-                   {"editlog", "Edit Log", make<EditLogScreen>, nullptr, true}}},
+                   {"editlog", "Edit Log", make<EditLogScreen>, nullptr, true},
+                   {"exportxlsx", "Export to Excel", nullptr, exportToWorkbookCommand, true, "F12"},
+                   {"exportcsv", "Export to CSV", nullptr, exportToCsvCommand, true, "Shift+F12"}}},
     };
     return menus;
 }

@@ -20,6 +20,7 @@ struct MenuEntry {
     ScreenFactory make;
     MenuCommand run = nullptr; // instead of a screen
     bool readsOnly = false;    // offered for a closed year too
+    const char *shortcut = nullptr; // a key of its own ("F12"); the system's entries have none
 };
 
 struct Menu {

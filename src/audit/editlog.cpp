@@ -148,6 +148,9 @@ QStringList editLogStatements()
                        "source text default 'other', hash text)"),
         QStringLiteral("create index editlog_row on editlog(tab, rid)"),
         QStringLiteral("create index editlog_at on editlog(at)"),
+        // What another client wrote and the program has still to seal, found at each start
+        // without reading the log.
+        QStringLiteral("create index editlog_unsealed on editlog(id) where hash is null"),
         QStringLiteral("create trigger editlog_kept_update before update on editlog when old.hash is not null begin %1; end").arg(QLatin1String(Kept)),
         QStringLiteral("create trigger editlog_kept_delete before delete on editlog begin %1; end").arg(QLatin1String(Kept)),
     };

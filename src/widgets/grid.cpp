@@ -45,6 +45,7 @@ void Grid::showWhereTheKeyboardIs()
 
 void Grid::setFixedFirstColumn(bool fixed)
 {
+    m_fixedFirstColumn = fixed;
     m_model->setLeadingColumn(fixed);
 }
 
@@ -101,6 +102,13 @@ int Grid::rows()
 int Grid::cols() const
 {
     return m_model->columns();
+}
+
+bool Grid::holdsNumber(int row, int col)
+{
+    text(row, col); // the row loaded
+    const QVariant alignment = m_model->data(m_model->index(row - 1, col), Qt::TextAlignmentRole);
+    return row > 0 && (alignment.value<Qt::Alignment>() & Qt::AlignRight);
 }
 
 QString Grid::text(int row, int col)

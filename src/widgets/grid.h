@@ -25,6 +25,7 @@ public:
 
     // A register's grid: column 0 is fixed and empty, the query's columns are 1..n.
     void setFixedFirstColumn(bool fixed);
+    bool hasFixedFirstColumn() const { return m_fixedFirstColumn; }
 
     // Shows the query's rows; the current cell becomes (1, 0) when there is a data row, else
     // (0, 0). Throws UnhandledError when the query fails, leaving the grid as it was.
@@ -46,6 +47,8 @@ public:
     int cols() const;
     // The text of a cell: row 0 gives the headings; outside the grid, an empty text.
     QString text(int row, int col);
+    // Whether a data cell stands on the right as a number does.
+    bool holdsNumber(int row, int col);
 
     int row() const;
     int col() const;
@@ -79,6 +82,7 @@ private:
 
     GridModel *m_model;
     bool m_headingCurrent = true;
+    bool m_fixedFirstColumn = false;
     int m_headingColumn = 0;
     QHash<int, int> m_widthsTwips;
     QHash<QString, int> m_headingWidthsTwips; // lower-cased heading -> twips

@@ -41,7 +41,7 @@ void Screen::showEvent(QShowEvent *event)
 
 QString Screen::menuKeys()
 {
-    return QStringLiteral("F10 menu \u00b7 Ctrl+Tab next screen");
+    return QStringLiteral("F10 menu \u00b7 Ctrl+Tab next screen \u00b7 F12 list to Excel (Shift+F12 to CSV)");
 }
 
 void Screen::setKeysHint(const QString &ownKeys)

@@ -6,6 +6,10 @@
 #include <QComboBox>
 #include <QDateEdit>
 #include <QFile>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QStatusBar>
 #include <QLabel>
 #include <QMdiArea>
 #include <QMdiSubWindow>
@@ -124,6 +128,48 @@ QString sameLines(const QString &what, QStringList actual, const QString &expect
 
 } // namespace
 
+// Exports GRID to a workbook and a CSV file by the Tools menu's keys and reads both back: the
+// status line names the files; every cell reads as the grid shows it, each data column of the
+// workbook holding the KINDS given (n number, d date, s text), the CSV file a text-only copy
+// (dates as yyyy-mm-dd, a text that looks like a formula behind an apostrophe) with its BOM.
+QString StepDesk::exported(Grid *grid, const QStringList &kinds)
+{
+    const QDir folder(shop.directory() + QStringLiteral("/exports"));
+    QDir(folder).removeRecursively();
+    grid->setFocus();
+    for (const char *action : {"exportxlsx", "exportcsv"})
+        m_window->findChild<QAction *>(QLatin1String(action))->trigger();
+    const QString notices = m_window->statusBar()->findChild<QLabel *>(QStringLiteral("notice"))->text();
+    const QStringList files = folder.entryList({QStringLiteral("*.xlsx"), QStringLiteral("*.csv")}, QDir::Files, QDir::Name);
+    if (files.size() != 2 || !notices.contains(QDir::toNativeSeparators(folder.filePath(files[0]))))
+        return QStringLiteral("exported: %1 in the folder, the status line says \"%2\"").arg(files.join(QStringLiteral(", ")), notices);
+    QProcess reader;
+    reader.start(QStringLiteral("/usr/bin/python3"), // Debian's, with its spreadsheet reader
+                 {QStringLiteral(VANTREL_READBACK), folder.filePath(files[1]), folder.filePath(files[0])});
+    reader.waitForFinished(30000);
+    const QJsonObject read = QJsonDocument::fromJson(reader.readAllStandardOutput()).object();
+    const QJsonArray book = read.value(QStringLiteral("workbook")).toArray(), text = read.value(QStringLiteral("csv")).toArray();
+    const int first = grid->hasFixedFirstColumn() ? 1 : 0, rows = grid->rows();
+    if (!read.value(QStringLiteral("bom")).toBool() || book.size() != rows || text.size() != rows)
+        return QStringLiteral("exported: %1 and %2 rows read back for %3, BOM %4: %5")
+            .arg(book.size()).arg(text.size()).arg(rows).arg(read.value(QStringLiteral("bom")).toBool()).arg(QString::fromUtf8(reader.readAllStandardError()));
+    for (int row = 0; row < rows; ++row)
+        for (int col = first; col < grid->cols(); ++col) {
+            const QString shown = grid->text(row, col), kind = row == 0 ? QStringLiteral("s") : kinds.value(col - first);
+            const QJsonArray cell = book[row].toArray()[col - first].toArray();
+            const QString inBook = cell[1].toString(), inCsv = text[row].toArray()[col - first].toString();
+            const QDate date = QDate::fromString(inBook, Qt::ISODate);
+            const bool same = cell[0].toString() == (shown.isEmpty() ? QStringLiteral("s") : kind)
+                && (kind == "n" ? inBook.toDouble() == shown.toDouble() && inCsv == shown
+                    : kind == "d" ? date.isValid() && date == QDate::fromString(shown, QStringLiteral("M/d/yyyy")) && inCsv == inBook
+                                  : inBook == shown && inCsv == (QStringLiteral("=+-@").contains(shown.left(1)) && !shown.isEmpty() ? "'" + shown : shown));
+            if (!same)
+                return QStringLiteral("exported: row %1 column %2 shows \"%3\"; the workbook holds %4 \"%5\", the CSV file \"%6\"")
+                    .arg(row).arg(col).arg(shown, cell[0].toString(), inBook, inCsv);
+        }
+    return {};
+}
+
 StepDesk::Snapshot StepDesk::snapshot()
 {
     Snapshot tables;
@@ -237,6 +283,8 @@ void StepDesk::step(const QString &verb, const QString &argument)
         Grid *g = grid(m_screen, name);
         failure = same(argument, g->text(value.section(',', 0, 0).toInt(), value.section(',', 1, 1).section('=', 0, 0).toInt()),
                        value.section('=', 1));
+    } else if (verb == "exports") {
+        failure = exported(grid(m_screen, name), value.split(QLatin1Char(',')));
     } else if (verb == "top") {
         Grid *g = grid(m_screen, name);
         Rows expected = table(value), rows;

@@ -4,6 +4,10 @@
 
 #include <QHash>
 
+namespace vantrel {
+class Grid;
+}
+
 namespace vantrel::test {
 
 // A case written as steps, one a line, run on a desk with the shared shop: what the operator
@@ -38,6 +42,9 @@ namespace vantrel::test {
 //   shell SQL => OUTPUT      the sqlite3 shell on the file: what it prints, lines joined by " | "
 //   status TEXT              what the status line says was printed
 //   ended MESSAGE            the program ended with the database's message (and goes on here)
+//   exports GRID=K,K...      the list to a workbook and a CSV file by the Tools keys, read back by
+//                            spreadsheet readers: every cell as shown, each data column of kind
+//                            K (n number, d date, s text)
 struct StepDesk : Desk {
     StepDesk() : Desk(TestShop::Filled) {}
     void run(const QString &steps);
@@ -51,6 +58,7 @@ private:
     QWidget *target(const QString &name);
     // The printer file's text.
     QString printout() const;
+    QString exported(Grid *grid, const QStringList &kinds);
 
     QWidget *m_screen = nullptr;
     int m_said = 0;

@@ -45,6 +45,8 @@ ENTRIES = [
     ("Tools", "Close Year...", None),  # commands: no screen of their own
     ("Tools", "Past Year...", None),
     ("Tools", "Edit Log", "Edit Log"),
+    ("Tools", "Export to Excel", None),
+    ("Tools", "Export to CSV", None),
 ]
 
 

@@ -72,10 +72,11 @@ CASES = {
         box The year 2026-27 is closed, its books kept in...=Return; in Sales; focus C/D; nobox
         sql select count(*) from salesmain => 0""",
 
-    # The changes of today, narrowed to a party, then printed.
-    "the edit log read and printed from the keyboard": """
+    # The changes of today, narrowed to a party, printed, and exported with one key each way.
+    "the edit log read, printed and exported from the keyboard": """
         menu Edit Log; focus From; tab Party; type ramesh; keys alt+s; nobox
-        keys alt+p; printed suppname; printed RAMESH; status Edit Log; nobox""",
+        keys alt+p; printed suppname; printed RAMESH; status Edit Log; nobox
+        keys F12; status .xlsx; keys shift+F12; status .csv; nobox""",
 }
 
 SETTLED = "update sales set status='p'; update purchase set status='p';"
