@@ -99,8 +99,9 @@ private slots:
                            "  prsale=Partywise sales Report > Partywise Sales Report",
                            "prpt=Purchase Report", "  pdb=Day Book > Purchase Day Book", "  dtprpt=DateWise Purchase Report > Purchase Datewise Report",
                            "  prpur=Partywise Purchase Report > Partywise Purchase Report",
-                           "stk=Stock", "  stksum=Stock Summary > Stock", "tools=Tools", "  closeyear=Close Year...", "  pastyear=Past Year...", "  editlog=Edit Log > Edit Log", "  exportxlsx=Export to Excel", "  exportcsv=Export to CSV"}));
-        QCOMPARE(p.screens().size(), 15);
+                           "stk=Stock", "  stksum=Stock Summary > Stock", "tools=Tools", "  closeyear=Close Year...", "  pastyear=Past Year...", "  editlog=Edit Log > Edit Log", "  exportxlsx=Export to Excel", "  exportcsv=Export to CSV",
+                           "  lastprint=Last Printout > Last Printout", "  settings=Settings... > Settings"}));
+        QCOMPARE(p.screens().size(), 17);
         QVERIFY(p.shop.unhandledErrors.isEmpty());
     }
 

@@ -3,6 +3,8 @@
 #include "accounts/ledgerscreen.h"
 #include "audit/editlogscreen.h"
 #include "export/exportcommand.h"
+#include "printing/lastprintoutscreen.h"
+#include "settings/settingsscreen.h"
 #include "accounts/receiptscreen.h"
 #include "masters/companymasterscreen.h"
 #include "masters/partymasterscreen.h"
@@ -59,7 +61,9 @@ const QVector<Menu> &menuTable()
         {"tools", "Tools", {{"closeyear", "Close Year...", nullptr, closeYearCommand}, {"pastyear", "Past Year...", nullptr, pastYearCommand},
                    {"editlog", "Edit Log", make<EditLogScreen>, nullptr, true},
                    {"exportxlsx", "Export to Excel", nullptr, exportToWorkbookCommand, true, "F12"},
-                   {"exportcsv", "Export to CSV", nullptr, exportToCsvCommand, true, "Shift+F12"}}},
+                   {"exportcsv", "Export to CSV", nullptr, exportToCsvCommand, true, "Shift+F12"},
+                   {"lastprint", "Last Printout", make<LastPrintoutScreen>, nullptr, true},
+                   {"settings", "Settings...", make<SettingsScreen>}}},
     };
     return menus;
 }

@@ -63,15 +63,6 @@ QString safeName(QString name)
     return name.trimmed();
 }
 
-// A path in FOLDER for NAME.SUFFIX that names no file yet.
-QString freePath(const QString &folder, const QString &name, const QString &suffix)
-{
-    QString path = QDir(folder).filePath(name + suffix);
-    for (int n = 2; QFile::exists(path); ++n)
-        path = QDir(folder).filePath(QStringLiteral("%1 (%2)%3").arg(name).arg(n).arg(suffix));
-    return path;
-}
-
 QString csvField(const Cell &cell)
 {
     if (cell.kind == Cell::Number)
@@ -144,6 +135,14 @@ QString writeWorkbook(const QVector<QVector<Cell>> &cells, const QString &path, 
 
 } // namespace
 
+QString freeExportPath(const QString &folder, const QString &name, const QString &suffix)
+{
+    QString path = QDir(folder).filePath(name + suffix);
+    for (int n = 2; QFile::exists(path); ++n)
+        path = QDir(folder).filePath(QStringLiteral("%1 (%2)%3").arg(name).arg(n).arg(suffix));
+    return path;
+}
+
 ExportResult exportGrid(Grid &grid, const QString &folder, const QString &name, ExportFormat format)
 {
     ExportResult result;
@@ -152,7 +151,7 @@ ExportResult exportGrid(Grid &grid, const QString &folder, const QString &name, 
         return result;
     }
     const QVector<QVector<Cell>> cells = cellsOf(grid);
-    const QString path = freePath(folder, safeName(name), format == ExportFormat::Workbook ? QStringLiteral(".xlsx") : QStringLiteral(".csv"));
+    const QString path = freeExportPath(folder, safeName(name), format == ExportFormat::Workbook ? QStringLiteral(".xlsx") : QStringLiteral(".csv"));
     result.failure = format == ExportFormat::Workbook ? writeWorkbook(cells, path, safeName(name)) : writeCsv(cells, path);
     if (result.failure.isEmpty()) {
         result.path = path;

@@ -28,6 +28,9 @@ struct ExportResult {
     QString failure;
 };
 
+// A path in FOLDER for NAME.SUFFIX that names no file yet: "NAME (2).SUFFIX" and on when it does.
+QString freeExportPath(const QString &folder, const QString &name, const QString &suffix);
+
 // Writes GRID's rows into FOLDER (made when missing) as NAME.xlsx or NAME.csv, NAME being made
 // safe for a file name and numbered when the file exists. The file appears whole or not at all.
 ExportResult exportGrid(Grid &grid, const QString &folder, const QString &name, ExportFormat format);

@@ -21,6 +21,13 @@ public:
         Q_UNUSED(items);
         return -1;
     }
+    // Whether to print a printout shown first (the preview); yes unless the dialogs show it.
+    virtual bool previewPrintout(const QString &document, const QStringList &lines)
+    {
+        Q_UNUSED(document);
+        Q_UNUSED(lines);
+        return true;
+    }
 };
 
 } // namespace vantrel

@@ -1,5 +1,7 @@
 #include "messageboxdialogs.h"
 
+#include "printing/printpreview.h"
+
 #include <QInputDialog>
 #include <QMessageBox>
 
@@ -25,6 +27,11 @@ int MessageBoxDialogs::choose(const QString &question, const QStringList &items)
     bool ok = false;
     const QString item = QInputDialog::getItem(m_parent, QString::fromLatin1(ProgramTitle), question, items, 0, false, &ok);
     return ok ? int(items.indexOf(item)) : -1;
+}
+
+bool MessageBoxDialogs::previewPrintout(const QString &document, const QStringList &lines)
+{
+    return previewBeforePrinting(m_parent, document, lines);
 }
 
 } // namespace vantrel

@@ -4,6 +4,7 @@
 #include "droppanel.h"
 #include "grid.h"
 #include "lineprinter.h"
+#include "printing/printout.h"
 #include "uppercasefilter.h"
 
 #include <QFormLayout>
@@ -51,9 +52,9 @@ void Screen::setKeysHint(const QString &ownKeys)
 
 void Screen::printLines(const QString &document, const QStringList &lines)
 {
-    LinePrinter(m_services.programDirectory).print(lines);
+    const QString said = sendPrintout(m_services.programDirectory, dialogs(), document, lines);
     if (m_services.showPrinted)
-        m_services.showPrinted(QStringLiteral("Printed %1: %2 lines").arg(document).arg(lines.size()));
+        m_services.showPrinted(said);
 }
 
 void Screen::alignNumbers(std::initializer_list<QLineEdit *> fields)

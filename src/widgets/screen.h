@@ -71,8 +71,9 @@ protected:
     // A grid named by its role, inside PARENT (the screen itself when null); rows it fails to
     // read later go to the unhandled-error handler.
     Grid *makeGrid(const QString &accessibleName, QWidget *parent = nullptr);
-    // Sends LINES to the line printer and tells the operator which DOCUMENT went there and how
-    // many lines it took. Throws UnhandledError when the printer file cannot be written.
+    // Sends LINES to the printer (see sendPrintout) and tells the operator on the status line
+    // which DOCUMENT went there and how many lines it took, or why it did not go. Throws
+    // UnhandledError when the printer file cannot be written.
     void printLines(const QString &document, const QStringList &lines);
     void keepNaturalSize() { m_fillsArea = false; }
     // The screen's own keys, before the ones every screen has.

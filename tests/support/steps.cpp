@@ -5,6 +5,7 @@
 
 #include <QComboBox>
 #include <QDateEdit>
+#include <QDeadlineTimer>
 #include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -15,6 +16,9 @@
 #include <QMdiSubWindow>
 #include <QProcess>
 #include <QRegularExpression>
+#include <QSettings>
+#include <QTemporaryDir>
+#include <QThread>
 #include "care/shopcheck.h"
 #include "data/unhandlederror.h"
 #include <algorithm>
@@ -105,6 +109,43 @@ QString StepDesk::printout() const
 }
 
 namespace {
+
+// A print system of the test's own, started once: cupsd on a socket in a folder of its own,
+// with the queue QUEUE whose printer is a backend that writes each job, as it came, into a file
+// there; that file's path, or empty when the print system did not start.
+QString startPrintServer(const QString &queue)
+{
+    static QTemporaryDir folder(QDir::tempPath() + QStringLiteral("/cups-XXXXXX"));
+    static QProcess cupsd;
+    const QString root = folder.path(), out = root + QStringLiteral("/out/printed");
+    if (cupsd.state() == QProcess::Running)
+        return out;
+    for (const char *sub : {"spool", "cache", "state", "out", "bin/backend"})
+        QDir(root).mkpath(QLatin1String(sub));
+    for (const char *sub : {"daemon", "filter"})
+        QFile::link(QStringLiteral("/usr/lib/cups/") + QLatin1String(sub), root + QStringLiteral("/bin/") + QLatin1String(sub));
+    QFile::setPermissions(root, QFile::Permissions(0x7755)); // the queue's device is written as lp
+    QFile::setPermissions(root + QStringLiteral("/out"), QFile::Permissions(0x7777));
+    const auto write = [&root](const char *name, const QString &text) {
+        QFile file(root + QLatin1Char('/') + QLatin1String(name));
+        return file.open(QIODevice::WriteOnly) && file.write(text.arg(root).toUtf8()) > 0;
+    };
+    write("cupsd.conf", QStringLiteral("Listen %1/cups.sock\nWebInterface No\nBrowsing No\n<Location />\nOrder allow,deny\nAllow all\n</Location>\n"));
+    write("cups-files.conf", QStringLiteral("ServerRoot %1\nServerBin %1/bin\nRequestRoot %1/spool\nCacheDir %1/cache\nStateDir %1/state\n"
+                                            "TempDir %1/spool\nErrorLog %1/error_log\nAccessLog %1/access_log\nPageLog %1/page_log\nUser lp\nGroup lp\n"));
+    write("printers.conf", QStringLiteral("<Printer ") + queue + QStringLiteral(">\nDeviceURI testfile:%1/out/printed\nState Idle\nAccepting Yes\n</Printer>\n"));
+    write("bin/backend/testfile", QStringLiteral("#!/bin/sh\n[ $# -eq 0 ] && exec echo 'direct testfile \"Unknown\" \"A file\"'\n"
+                                                 "cat ${6:-} > \"${DEVICE_URI#testfile:}\"\n"));
+    QFile::setPermissions(root + QStringLiteral("/bin/backend/testfile"), QFile::Permissions(0x7755));
+    cupsd.start(QStringLiteral("/usr/sbin/cupsd"), {QStringLiteral("-f"), QStringLiteral("-c"), root + QStringLiteral("/cupsd.conf"),
+                                                    QStringLiteral("-s"), root + QStringLiteral("/cups-files.conf")});
+    cupsd.waitForStarted();
+    qputenv("CUPS_SERVER", QFile::encodeName(root + QStringLiteral("/cups.sock")));
+    QDeadlineTimer deadline(10000);
+    while (!QFile::exists(root + QStringLiteral("/cups.sock")) && cupsd.state() == QProcess::Running && !deadline.hasExpired())
+        QThread::msleep(50);
+    return QFile::exists(root + QStringLiteral("/cups.sock")) ? out : QString();
+}
 
 QString same(const QString &what, const QString &actual, const QString &expected)
 {
@@ -285,6 +326,32 @@ void StepDesk::step(const QString &verb, const QString &argument)
                        value.section('=', 1));
     } else if (verb == "exports") {
         failure = exported(grid(m_screen, name), value.split(QLatin1Char(',')));
+    } else if (verb == "setting") {
+        QSettings().setValue(name, value);
+    } else if (verb == "pdftext") {
+        QProcess text;
+        text.start(QStringLiteral("pdftotext"), {QStringLiteral("-layout"), shop.directory() + "/exports/" + argument, QStringLiteral("-")});
+        text.waitForFinished(30000);
+        QStringList lines = QString::fromUtf8(text.readAllStandardOutput()).remove(QLatin1Char('\f')).split(QLatin1Char('\n'));
+        QStringList printed = printout().split(QStringLiteral("\r\n"));
+        for (QStringList *text : {&lines, &printed}) // the reader puts its own blanks between words
+            for (QString &line : *text)
+                line = line.simplified();
+        lines.removeAll(QString());
+        printed.removeAll(QString());
+        failure = same("the PDF's text", lines.join(" | "), printed.join(" | "));
+    } else if (verb == "saved") {
+        QFile saved(shop.directory() + "/exports/" + argument);
+        failure = same(argument, saved.open(QIODevice::ReadOnly) ? QString::fromUtf8(saved.readAll()) : QStringLiteral("(no file)"), printout());
+    } else if (verb == "cups") {
+        m_queueOutput = startPrintServer(argument);
+        CHECK(!m_queueOutput.isEmpty(), "the print system did not start");
+    } else if (verb == "queued") {
+        QFile out(m_queueOutput);
+        QDeadlineTimer deadline(10000);
+        while (out.size() < printout().toUtf8().size() && !deadline.hasExpired())
+            QThread::msleep(50);
+        failure = same("what reached the queue", out.open(QIODevice::ReadOnly) ? QString::fromUtf8(out.readAll()) : QStringLiteral("(nothing)"), printout());
     } else if (verb == "top") {
         Grid *g = grid(m_screen, name);
         Rows expected = table(value), rows;

@@ -42,6 +42,11 @@ namespace vantrel::test {
 //   shell SQL => OUTPUT      the sqlite3 shell on the file: what it prints, lines joined by " | "
 //   status TEXT              what the status line says was printed
 //   ended MESSAGE            the program ended with the database's message (and goes on here)
+//   setting KEY=VALUE        the program's setting (each case starts from none)
+//   pdftext FILE             the text of exports/FILE (a PDF) is the printout's, line by line
+//   saved FILE               exports/FILE holds the printer file's bytes
+//   cups QUEUE               a print system of the test's own with a queue QUEUE (a file)
+//   queued                   what reached that queue is the printer file's bytes
 //   exports GRID=K,K...      the list to a workbook and a CSV file by the Tools keys, read back by
 //                            spreadsheet readers: every cell as shown, each data column of kind
 //                            K (n number, d date, s text)
@@ -59,6 +64,7 @@ private:
     // The printer file's text.
     QString printout() const;
     QString exported(Grid *grid, const QStringList &kinds);
+    QString m_queueOutput;
 
     QWidget *m_screen = nullptr;
     int m_said = 0;

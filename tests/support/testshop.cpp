@@ -6,6 +6,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QSettings>
 #include <QTest>
 
 namespace vantrel::test {
@@ -32,6 +33,7 @@ int ScriptedDialogs::choose(const QString &question, const QStringList &items)
 
 TestShop::TestShop(Start start) : m_dir(QDir::tempPath() + QStringLiteral("/vantrel shop-XXXXXX"))
 {
+    QSettings().clear(); // every shop starts from the program's defaults
     createDatabaseFile(m_dir.path() + QStringLiteral("/vantrel.accdb"));
     m_db = std::make_unique<Database>(buildConnectionString(m_dir.path()));
     m_services.reset(new Services{*m_db, dialogs, clock, m_dir.path(),

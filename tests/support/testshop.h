@@ -19,6 +19,11 @@ public:
     void inform(const QString &message) override { shown << message; }
     bool ask(const QString &question) override;
     int choose(const QString &question, const QStringList &items) override;
+    // Recorded as "preview DOCUMENT: N lines" and answered as a question is.
+    bool previewPrintout(const QString &document, const QStringList &lines) override
+    {
+        return ask(QStringLiteral("preview %1: %2 lines").arg(document).arg(lines.size()));
+    }
 
     QStringList shown;
     QList<bool> answers;

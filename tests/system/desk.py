@@ -47,6 +47,8 @@ ENTRIES = [
     ("Tools", "Edit Log", "Edit Log"),
     ("Tools", "Export to Excel", None),
     ("Tools", "Export to CSV", None),
+    ("Tools", "Last Printout", "Last Printout"),
+    ("Tools", "Settings...", "Settings"),
 ]
 
 
@@ -131,7 +133,8 @@ class Program:
         if seed:
             with sqlite3.connect(self.db_path) as db:
                 db.executescript(seed)
-        env = dict(os.environ, QT_LINUX_ACCESSIBILITY_ALWAYS_ON="1", QT_ACCESSIBILITY="1", LC_ALL="C.UTF-8")
+        env = dict(os.environ, QT_LINUX_ACCESSIBILITY_ALWAYS_ON="1", QT_ACCESSIBILITY="1", LC_ALL="C.UTF-8",
+                   XDG_CONFIG_HOME=self.dir)  # the program's settings its own, not the machine user's
         env.pop("QT_QPA_PLATFORM", None)
         self.log = open(os.path.join(self.dir, "program.log"), "w")
         _running.append(self)

@@ -77,6 +77,12 @@ CASES = {
         menu Edit Log; focus From; tab Party; type ramesh; keys alt+s; nobox
         keys alt+p; printed suppname; printed RAMESH; status Edit Log; nobox
         keys F12; status .xlsx; keys shift+F12; status .csv; nobox""",
+
+    # With the preview on, Enter prints what it shows and Escape drops it.
+    "a printout previewed from the keyboard": """
+        menu Settings...; tab Show each printout before it prints; keys space alt+s; box The settings are saved.=Return
+        menu DateWise Sales Report; tab Print; keys Return; box Page 1 of 1=Return; status Printed Datewise; printed Datewise
+        keys Return; box Page 1 of 1=Escape; status Not printed: Datewise; nobox""",
 }
 
 SETTLED = "update sales set status='p'; update purchase set status='p';"

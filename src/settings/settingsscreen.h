@@ -1,0 +1,27 @@
+#pragma once
+
+#include "widgets/screen.h"
+
+class QCheckBox;
+class QComboBox;
+
+namespace vantrel {
+
+// "Settings...": what the program keeps in its own settings (never in the shop's file): the
+// financial year's start, where printouts go, whether each is shown first, and the folder
+// exports go into. Save writes them; they hold from the next action on.
+class SettingsScreen final : public Screen {
+    Q_OBJECT
+public:
+    explicit SettingsScreen(Services &services, QWidget *parent = nullptr);
+
+private:
+    void saveClicked();
+
+    QLineEdit *m_yearStart;
+    QComboBox *m_printer;
+    QCheckBox *m_preview;
+    QLineEdit *m_exportFolder;
+};
+
+} // namespace vantrel
