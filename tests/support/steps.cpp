@@ -135,6 +135,7 @@ QString startPrintServer(const QString &queue)
                                             "TempDir %1/spool\nErrorLog %1/error_log\nAccessLog %1/access_log\nPageLog %1/page_log\nUser lp\nGroup lp\n"));
     write("printers.conf", QStringLiteral("<Printer ") + queue + QStringLiteral(">\nDeviceURI testfile:%1/out/printed\nState Idle\nAccepting Yes\n</Printer>\n"));
     write("bin/backend/testfile", QStringLiteral("#!/bin/sh\n[ $# -eq 0 ] && exec echo 'direct testfile \"Unknown\" \"A file\"'\n"
+                                                 "echo \"$CONTENT_TYPE\" > \"${DEVICE_URI#testfile:}.type\"\n"
                                                  "cat ${6:-} > \"${DEVICE_URI#testfile:}\"\n"));
     QFile::setPermissions(root + QStringLiteral("/bin/backend/testfile"), QFile::Permissions(0x7755));
     cupsd.start(QStringLiteral("/usr/sbin/cupsd"), {QStringLiteral("-f"), QStringLiteral("-c"), root + QStringLiteral("/cupsd.conf"),
@@ -351,7 +352,10 @@ void StepDesk::step(const QString &verb, const QString &argument)
         QDeadlineTimer deadline(10000);
         while (out.size() < printout().toUtf8().size() && !deadline.hasExpired())
             QThread::msleep(50);
+        QFile type(m_queueOutput + QStringLiteral(".type"));
         failure = same("what reached the queue", out.open(QIODevice::ReadOnly) ? QString::fromUtf8(out.readAll()) : QStringLiteral("(nothing)"), printout());
+        if (failure.isEmpty())
+            failure = same("its kind", type.open(QIODevice::ReadOnly) ? QString::fromUtf8(type.readAll()).trimmed() : QString(), "application/vnd.cups-raw");
     } else if (verb == "top") {
         Grid *g = grid(m_screen, name);
         Rows expected = table(value), rows;

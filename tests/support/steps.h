@@ -46,7 +46,7 @@ namespace vantrel::test {
 //   pdftext FILE             the text of exports/FILE (a PDF) is the printout's, line by line
 //   saved FILE               exports/FILE holds the printer file's bytes
 //   cups QUEUE               a print system of the test's own with a queue QUEUE (a file)
-//   queued                   what reached that queue is the printer file's bytes
+//   queued                   what reached that queue is the printer file's bytes, sent raw
 //   exports GRID=K,K...      the list to a workbook and a CSV file by the Tools keys, read back by
 //                            spreadsheet readers: every cell as shown, each data column of kind
 //                            K (n number, d date, s text)
