@@ -239,6 +239,8 @@ QString attachEditLog(sqlite3 *db)
 
 void writeEditLogNote(sqlite3 *db, const QString &action, const QString &words, const QString &previousYearHash)
 {
+    if (const QString failure = attachEditLog(db); !failure.isEmpty())
+        throw UnhandledError(QStringLiteral("Cannot keep the edit log: %1").arg(failure));
     QJsonObject note{{QStringLiteral("note"), words}};
     if (action == QLatin1String("start")) {
         QJsonObject digests;

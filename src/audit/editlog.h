@@ -93,7 +93,7 @@ QString rowsAsLoggedText(const LoggedTable &table);
 // fails, else an empty string.
 QString attachEditLog(sqlite3 *db);
 
-// Writes a note into the log through a connection attached with attachEditLog: ACTION is
+// Writes a note into the log, attaching the connection first (see attachEditLog): ACTION is
 // "start" (the log begins: the note carries the digest of every table as it stands, the
 // rows the log starts from) or "close". Throws UnhandledError when the statement fails.
 void writeEditLogNote(sqlite3 *db, const QString &action, const QString &words, const QString &previousYearHash = QString());

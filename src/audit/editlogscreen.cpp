@@ -1,6 +1,7 @@
 #include "editlogscreen.h"
 
 #include "editlog.h"
+#include "data/records.h"
 #include "widgets/clock.h"
 #include "widgets/datepicker.h"
 #include "widgets/grid.h"
@@ -10,7 +11,6 @@
 #include <QDateEdit>
 #include <QFormLayout>
 #include <QHBoxLayout>
-#include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QVBoxLayout>
@@ -21,7 +21,6 @@ namespace {
 
 const char *const AllTables = "(every table)";
 
-QString quoted(const QString &text) { return QLatin1Char('\'') + QString(text).replace(QLatin1Char('\''), QStringLiteral("''")) + QLatin1Char('\''); }
 
 // Every logged column as a row (table, position, name), for the listing to name each value.
 QString columnsTable()
@@ -29,7 +28,7 @@ QString columnsTable()
     QStringList rows;
     for (const LoggedTable &table : loggedTables())
         for (int pos = 0; pos < table.columns.size(); ++pos)
-            rows << QStringLiteral("(%1, %2, %3)").arg(quoted(table.name)).arg(pos).arg(quoted(table.columns.at(pos)));
+            rows << QStringLiteral("(%1, %2, %3)").arg(sqlLiteral(table.name)).arg(pos).arg(sqlLiteral(table.columns.at(pos)));
     return "cols(tab, pos, name) as (values " + rows.join(QLatin1Char(',')) + ")";
 }
 
@@ -56,14 +55,10 @@ EditLogScreen::EditLogScreen(Services &services, QWidget *parent) : Screen(servi
     m_to = makeDatePicker(this, QStringLiteral("To"), today);
     form->addRow(QStringLiteral("From"), m_from);
     form->addRow(QStringLiteral("To"), m_to);
-    m_table = new QComboBox(this);
+    m_table = addChoice(form, QStringLiteral("&Table"));
     m_table->addItem(QLatin1String(AllTables));
     for (const LoggedTable &table : loggedTables())
         m_table->addItem(table.name);
-    m_table->setAccessibleName(QStringLiteral("Table"));
-    auto *tableLabel = new QLabel(QStringLiteral("&Table"), this);
-    tableLabel->setBuddy(m_table);
-    form->addRow(tableLabel, m_table);
     m_number = addField(form, QStringLiteral("Number"));
     m_party = addField(form, QStringLiteral("Party"));
     m_table->setMaximumWidth(m_party->maximumWidth());
@@ -92,17 +87,17 @@ EditLogScreen::EditLogScreen(Services &services, QWidget *parent) : Screen(servi
 QString EditLogScreen::listing() const
 {
     const QString span = QStringLiteral("e.at >= %1 and e.at < %2")
-                             .arg(quoted(m_from->date().toString(Qt::ISODate)), quoted(m_to->date().addDays(1).toString(Qt::ISODate)));
+                             .arg(sqlLiteral(m_from->date().toString(Qt::ISODate)), sqlLiteral(m_to->date().addDays(1).toString(Qt::ISODate)));
     const QString oldValue = valueAt(QStringLiteral("e.old"), QStringLiteral("c.pos")), newValue = valueAt(QStringLiteral("e.new"), QStringLiteral("c.pos"));
     QString filters;
     if (m_table->currentIndex() > 0)
-        filters += " and e.tab = " + quoted(m_table->currentText());
+        filters += " and e.tab = " + sqlLiteral(m_table->currentText());
     if (!m_number->text().trimmed().isEmpty())
         filters += " and " + anyColumn({QStringLiteral("invoice"), QStringLiteral("pono"), QStringLiteral("refno")},
-                                       " + 0 = " + quoted(m_number->text().trimmed()) + " + 0");
+                                       " + 0 = " + sqlLiteral(m_number->text().trimmed()) + " + 0");
     if (!m_party->text().trimmed().isEmpty())
         filters += " and " + anyColumn({QStringLiteral("party"), QStringLiteral("suppname"), QStringLiteral("ac"), QStringLiteral("accnm")},
-                                       " = " + quoted(m_party->text().trimmed()) + " collate nocase");
+                                       " = " + sqlLiteral(m_party->text().trimmed()) + " collate nocase");
     QString sql = "with " + columnsTable()
         + " select Entry, [When], [By], Change, [Table], [Row], [Column], Old, New from ("
           "select e.id as Entry, e.at as [When], e.source as [By], e.action as Change, e.tab as [Table], e.rid as [Row], c.pos as pos, "

@@ -72,7 +72,7 @@ public:
             headerFilter = QStringLiteral(" where rowid > (select max(rowid) from %1) - %2").arg(headers).arg(QuickTailRows / 10);
             QStringList recent;
             m_file.eachRow("select " + number + ", trans from " + headers + headerFilter, [&](const SqliteRow &row) {
-                recent << QStringLiteral("(%1, %2)").arg(quoted(figure(row.number(0))), quoted(row.text(1)));
+                recent << QStringLiteral("(%1, %2)").arg(sqlLiteral(figure(row.number(0))), sqlLiteral(row.text(1)));
             });
             groups = QStringLiteral("select s.%1 as number, s.trans, total(s.amount) as amount, count(*) as lines, max(s.rowid) as lastrow "
                                     "from (select %1, trans from %2 where rowid > (select max(rowid) from %2) - %3%4) k "
@@ -166,17 +166,16 @@ public:
     }
 
 private:
-    static QString quoted(QString text) { return "'" + text.replace(QLatin1Char('\''), QLatin1String("''")) + "'"; }
 
     // Whether any line carries the header's number; compared as numbers, as the join does.
     bool hasLines(const Document &doc, double number, const QString &mode)
     {
         const QString sql = QStringLiteral("select count(*) from %1 where trans = %2 and %3 = %4")
-                                .arg(QLatin1String(doc.lines), quoted(mode), QLatin1String(doc.number), quoted(figure(number)));
+                                .arg(QLatin1String(doc.lines), sqlLiteral(mode), QLatin1String(doc.number), sqlLiteral(figure(number)));
         if (m_file.number(sql) > 0)
             return true;
         return m_file.number(QStringLiteral("select count(*) from %1 where trans = %2 and %3 + 0 = %4")
-                                 .arg(QLatin1String(doc.lines), quoted(mode), QLatin1String(doc.number), figure(number)))
+                                 .arg(QLatin1String(doc.lines), sqlLiteral(mode), QLatin1String(doc.number), figure(number)))
             > 0;
     }
 

@@ -134,4 +134,9 @@ double nextNumber(Database &db, const QString &maxQuery, const QString &column)
     return result.number(column) + 1;
 }
 
+QString sqlLiteral(const QString &text)
+{
+    return QLatin1Char('\'') + QString(text).replace(QLatin1Char('\''), QStringLiteral("''")) + QLatin1Char('\'');
+}
+
 } // namespace vantrel

@@ -34,6 +34,10 @@ QString doubleText(double value);
 // Throws UnhandledError("Overflow") outside -32768..32767.
 qint16 toInt16(double value);
 
+// TEXT as an SQL string literal, its quotes doubled: for the statements the program's own tools
+// build (the system's statements take the operator's text as it is typed).
+QString sqlLiteral(const QString &text);
+
 // The next number of a series: runs a "select max(col) as col from ..." query and returns the
 // maximum plus one, a null maximum counting as 0; 1 when the query returns no row.
 // Throws UnhandledError when the database rejects the query.

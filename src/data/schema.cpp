@@ -197,14 +197,12 @@ void createDatabaseFile(const QString &path)
         rc = sqlite3_exec(db, rest.constData(), nullptr, nullptr, &error);
     QString message = error ? QString::fromUtf8(error) : QString::fromUtf8(sqlite3_errmsg(db));
     if (rc == SQLITE_OK) {
-        message = attachEditLog(db);
         try {
-            if (message.isEmpty())
-                writeEditLogNote(db, QStringLiteral("start"), QStringLiteral("A new shop file: the edit log starts with it."));
+            writeEditLogNote(db, QStringLiteral("start"), QStringLiteral("A new shop file: the edit log starts with it."));
         } catch (const UnhandledError &failure) {
+            rc = SQLITE_ERROR;
             message = failure.message();
         }
-        rc = message.isEmpty() ? SQLITE_OK : SQLITE_ERROR;
     }
     const QByteArray version = QByteArrayLiteral("pragma user_version = ") + QByteArray::number(CurrentSchemaVersion)
         + "; commit; pragma journal_mode = wal;"; // the whole schema in one transaction, one sync

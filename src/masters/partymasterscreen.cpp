@@ -11,7 +11,6 @@
 #include <QFormLayout>
 #include <QGroupBox>
 #include <QHBoxLayout>
-#include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QVBoxLayout>
@@ -40,13 +39,9 @@ PartyMasterScreen::PartyMasterScreen(Services &services, QWidget *parent)
     m_mobile = addField(detailsForm, QStringLiteral("Mobile :"));
     m_pin = addField(detailsForm, QStringLiteral("Pin Code :"));
     m_category = addField(detailsForm, QStringLiteral("C/B/S/O"));
-    m_accountType = new QComboBox(this);
+    m_accountType = addChoice(detailsForm, QStringLiteral("Acc Type"));
     m_accountType->addItems({QStringLiteral("Asset"), QStringLiteral("Liability")});
     m_accountType->setCurrentIndex(-1);
-    m_accountType->setAccessibleName(QStringLiteral("Acc Type"));
-    auto *accountTypeLabel = new QLabel(QStringLiteral("Acc Type"), this);
-    accountTypeLabel->setBuddy(m_accountType);
-    detailsForm->addRow(accountTypeLabel, m_accountType);
     left->addWidget(details);
 
     auto *save = new QPushButton(QStringLiteral("&Save"), this);

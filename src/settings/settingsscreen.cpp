@@ -10,7 +10,6 @@
 #include <QDate>
 #include <QFormLayout>
 #include <QHBoxLayout>
-#include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QSettings>
@@ -36,16 +35,12 @@ SettingsScreen::SettingsScreen(Services &services, QWidget *parent) : Screen(ser
     m_yearStart->setText(settings.value(QLatin1String(YearStartKey), QStringLiteral("04-01")).toString());
 
     const PrintSettings printing = PrintSettings::read();
-    m_printer = new QComboBox(this);
+    m_printer = addChoice(form, QStringLiteral("&Printer"));
     m_printer->addItem(QLatin1String(PrinterFile));
     m_printer->addItems(printQueues());
     if (!printing.queue.isEmpty() && m_printer->findText(printing.queue) < 0)
         m_printer->addItem(printing.queue); // a queue the print system does not offer now
     m_printer->setCurrentIndex(printing.queue.isEmpty() ? 0 : m_printer->findText(printing.queue));
-    m_printer->setAccessibleName(QStringLiteral("Printer"));
-    auto *printerLabel = new QLabel(QStringLiteral("&Printer"), this);
-    printerLabel->setBuddy(m_printer);
-    form->addRow(printerLabel, m_printer);
     m_preview = new QCheckBox(QStringLiteral("Show each printout &before it prints"), this);
     m_preview->setChecked(printing.preview);
     form->addRow(QString(), m_preview);

@@ -7,6 +7,7 @@
 #include "printing/printout.h"
 #include "uppercasefilter.h"
 
+#include <QComboBox>
 #include <QFormLayout>
 #include <QLabel>
 #include <QLineEdit>
@@ -94,6 +95,16 @@ QLineEdit *Screen::addField(QFormLayout *form, const QString &label, const QStri
     caption->setBuddy(field);
     form->addRow(caption, field);
     return field;
+}
+
+QComboBox *Screen::addChoice(QFormLayout *form, const QString &label)
+{
+    auto *box = new QComboBox(this);
+    box->setAccessibleName(QString(label).remove(QLatin1Char('&')));
+    auto *caption = new QLabel(label, this);
+    caption->setBuddy(box);
+    form->addRow(caption, box);
+    return box;
 }
 
 Grid *Screen::makeGrid(const QString &accessibleName, QWidget *parent)

@@ -5,6 +5,7 @@
 #include <QWidget>
 #include <functional>
 
+class QComboBox;
 class QFormLayout;
 class QLineEdit;
 class QPushButton;
@@ -68,6 +69,9 @@ protected:
     void searchParties(QLineEdit *field, Grid *list);
     // A labelled field as a row of a form: the label on the left, the field named by it.
     QLineEdit *addField(QFormLayout *form, const QString &label, const QString &objectName = {});
+    // A combo box as a row of a form: LABEL (its "&" marks the key that reaches the box) on the
+    // left, the box named by the label's words.
+    QComboBox *addChoice(QFormLayout *form, const QString &label);
     // A grid named by its role, inside PARENT (the screen itself when null); rows it fails to
     // read later go to the unhandled-error handler.
     Grid *makeGrid(const QString &accessibleName, QWidget *parent = nullptr);

@@ -93,9 +93,6 @@ SchemaUpgrade bringToCurrentSchema(const QString &path, const QString &backupFol
         for (int to = result.from + 1; to <= CurrentSchemaVersion; ++to)
             file.execute(stepTo(to));
         if (result.from < 7) {
-            const QString failure = attachEditLog(file.handle());
-            if (!failure.isEmpty())
-                throw UnhandledError(QStringLiteral("Cannot start the edit log in %1: %2").arg(path, failure));
             writeEditLogNote(file.handle(), QStringLiteral("start"),
                              QStringLiteral("The file was brought from schema %1 to %2; the edit log starts here, with the rows the file held.")
                                  .arg(result.from)

@@ -20,7 +20,6 @@ namespace {
 
 const char *const Opening = "OPENING BALANCE";
 
-QString quoted(const QString &text) { return QLatin1Char('\'') + QString(text).replace(QLatin1Char('\''), QStringLiteral("''")) + QLatin1Char('\''); }
 QString exact(double value) { return QString::number(value, 'g', 17); }
 
 QString yearsFolder(const QString &database) { return QFileInfo(database).absoluteDir().filePath(QStringLiteral("years")); }
@@ -53,7 +52,7 @@ QDate newestDate(SqliteFile &file)
 double receiptScreenTotal(SqliteFile &file, const QString &account)
 {
     float total = 0;
-    file.eachRow("select refno,dat as Date1,ac as Name_of_Account,credit as Amount from ledger where accnm=" + quoted(account)
+    file.eachRow("select refno,dat as Date1,ac as Name_of_Account,credit as Amount from ledger where accnm=" + sqlLiteral(account)
                      + " and type='receipt'",
                  [&](const SqliteRow &row) {
                      const QString type = row.type(3);
@@ -71,16 +70,16 @@ void carryForward(SqliteFile &file, const YearClosePlan &plan, const QString &da
     const double debit = file.number(QStringLiteral("select sum(debit) from ledger where type='payment'"));
     const bool anyPayment = file.number(QStringLiteral("select count(*) from ledger where type='payment'")) > 0;
     QStringList rows;
-    const QString opening = quoted(QLatin1String(Opening)), date = quoted(dateText), balance = quoted(plan.balance);
+    const QString opening = sqlLiteral(QLatin1String(Opening)), date = sqlLiteral(dateText), balance = sqlLiteral(plan.balance);
     file.eachRow(QStringLiteral("select distinct accnm from ledger where type='receipt'"), [&](const SqliteRow &row) {
         const double total = row.isNull(0) ? 0 : receiptScreenTotal(file, row.text(0));
-        rows << QStringLiteral("(0,%1,%2,%3,null,%4,'receipt',%5)").arg(date, opening, exact(total), row.isNull(0) ? "null" : quoted(row.text(0)), balance);
+        rows << QStringLiteral("(0,%1,%2,%3,null,%4,'receipt',%5)").arg(date, opening, exact(total), row.isNull(0) ? "null" : sqlLiteral(row.text(0)), balance);
     });
     if (anyPayment)
         rows << QStringLiteral("(0,%1,%2,null,%3,null,'payment',%4)").arg(date, opening, exact(debit), balance);
     file.eachRow(QStringLiteral("select ac, sum(credit), sum(debit) from ledger group by ac"), [&](const SqliteRow &row) {
         rows << QStringLiteral("(0,%1,%2,%3,%4,null,'opening',%5)")
-                    .arg(date, row.isNull(0) ? "null" : quoted(row.text(0)), row.isNull(1) ? "null" : exact(row.number(1)),
+                    .arg(date, row.isNull(0) ? "null" : sqlLiteral(row.text(0)), row.isNull(1) ? "null" : exact(row.number(1)),
                          row.isNull(2) ? "null" : exact(row.number(2)), balance);
     });
     file.execute(QStringLiteral("delete from sales; delete from salesmain; delete from purchase; delete from purchasemain; "
@@ -97,16 +96,13 @@ void carryForward(SqliteFile &file, const YearClosePlan &plan, const QString &da
                                     "order by abs(credit) desc limit 1)").arg(exact(credit - now)));
     }
     file.execute(QStringLiteral("insert into closedyears(name, closed, file) values(%1, %2, %3)")
-                     .arg(quoted(plan.name), date, quoted(QStringLiteral("years/") + QFileInfo(plan.yearFile).fileName())));
+                     .arg(sqlLiteral(plan.name), date, sqlLiteral(QStringLiteral("years/") + QFileInfo(plan.yearFile).fileName())));
 }
 
 // The year's file ends its log with the close; returns the hash the log ends on.
 QByteArray noteTheClose(const QString &yearFile, const YearClosePlan &plan)
 {
     SqliteFile file(yearFile, SqliteFile::Access::ReadWrite);
-    const QString failure = attachEditLog(file.handle());
-    if (!failure.isEmpty())
-        file.fail(QStringLiteral("keep the edit log"));
     writeEditLogNote(file.handle(), QStringLiteral("close"),
                      QStringLiteral("The year %1 is closed: this file keeps its books and is not written again.").arg(plan.name));
     return lastEditLogHash(file.handle());
@@ -119,9 +115,6 @@ void restartEditLog(SqliteFile &file, const YearClosePlan &plan, const QByteArra
 {
     file.execute(QStringLiteral("drop table editlog"));
     file.execute(editLogStatements().join(QStringLiteral(";\n")));
-    const QString failure = attachEditLog(file.handle());
-    if (!failure.isEmpty())
-        file.fail(QStringLiteral("keep the edit log"));
     writeEditLogNote(file.handle(), QStringLiteral("start"),
                      QStringLiteral("The year %1 was closed into years/%2; the edit log starts again with the rows carried forward.")
                          .arg(plan.name, QFileInfo(plan.yearFile).fileName()),
