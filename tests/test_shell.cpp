@@ -1,34 +1,28 @@
-// Start-up, the main window's menu and screens, activation, the unhandled-error path and the
-// line printer.
+// Start-up, the main window's menu and screens, activation, and what ends the start or a print.
 #include "app/mainwindow.h"
 #include "app/program.h"
-#include "data/schema.h"
-#include "data/unhandlederror.h"
 #include "support/testmain.h"
-#include "support/testshop.h"
 #include "support/ui.h"
+#include "support/testshop.h"
 #include "widgets/lineprinter.h"
 #include "widgets/screen.h"
 
 #include <QAbstractItemView>
-#include <QRegularExpression>
 #include <QAbstractSpinBox>
 #include <QComboBox>
 #include <QDir>
 #include <QLabel>
-#include <QLineEdit>
 #include <QMdiArea>
 #include <QMdiSubWindow>
 #include <QMenuBar>
-#include <QTemporaryDir>
+#include <QRegularExpression>
 
 using namespace vantrel;
 
 namespace {
 
 // A screen that counts its activations.
-class ProbeScreen final : public Screen {
-public:
+struct ProbeScreen final : Screen {
     explicit ProbeScreen(Services &services) : Screen(services, QStringLiteral("Probe")) {}
     void activated() override { ++activations; }
     int activations = 0;
@@ -47,48 +41,23 @@ struct RunningProgram {
 class ShellTest : public QObject {
     Q_OBJECT
 private slots:
-    void startUpShowsOnlyTheSalesScreen()
+    // The program starts with the Sales screen alone; the menu tree has the system's names and
+    // captions, the added tools last; each entry opens its own screen, once.
+    void theMenuTreeOpensEachScreenOnce()
     {
         RunningProgram p;
         QVERIFY(p.window().isVisible());
         QCOMPARE(p.window().windowTitle(), QStringLiteral("Vantrel"));
         QCOMPARE(p.screens().size(), 1);
-        QCOMPARE(p.screens().first()->widget()->windowTitle(), QStringLiteral("Sales"));
-        QCOMPARE(p.window().mdiArea()->activeSubWindow(), p.screens().first());
-    }
-
-    void startUpWithoutADatabaseShowsNoWindow()
-    {
-        QTemporaryDir dir;
-        test::ScriptedDialogs dialogs;
-        test::FixedClock clock;
-        const int windowsBefore = int(QApplication::topLevelWidgets().size());
-        QString message;
-        try {
-            Program program(dir.path(), dialogs, clock, [](const QString &) {});
-        } catch (const UnhandledError &error) {
-            message = error.message();
-        }
-        QCOMPARE(message, QStringLiteral("Cannot open the database file %1/vantrel.accdb: unable to open database file").arg(dir.path()));
-        QCOMPARE(int(QApplication::topLevelWidgets().size()), windowsBefore);
-    }
-
-    // The menu tree with the system's names and captions; each entry opens its own screen. The
-    // added tools come last.
-    void theMenuTreeHasTheSystemsNamesAndCaptionsAndEachEntryItsScreen()
-    {
-        RunningProgram p;
+        QCOMPARE(p.window().mdiArea()->activeSubWindow()->widget()->windowTitle(), QStringLiteral("Sales"));
         QStringList tree;
         for (QAction *menuAction : p.window().menuBar()->actions()) {
-            QMenu *menu = menuAction->menu();
-            tree << menu->objectName() + "=" + menu->title();
-            for (QAction *entry : menu->actions()) {
-                if (entry->objectName().contains(QRegularExpression("year|export"))) { // commands, not screens
-                    tree << "  " + entry->objectName() + "=" + entry->text();
-                    continue;
-                }
-                entry->trigger();
-                tree << "  " + entry->objectName() + "=" + entry->text() + " > " + p.window().mdiArea()->activeSubWindow()->windowTitle();
+            tree << menuAction->menu()->objectName() + "=" + menuAction->menu()->title();
+            for (QAction *entry : menuAction->menu()->actions()) {
+                const bool command = entry->objectName().contains(QRegularExpression("year|export"));
+                if (!command)
+                    entry->trigger();
+                tree << "  " + entry->objectName() + "=" + entry->text() + (command ? "" : " > " + p.window().mdiArea()->activeSubWindow()->windowTitle());
             }
         }
         QCOMPARE(tree, (QStringList{
@@ -101,8 +70,16 @@ private slots:
                            "  prpur=Partywise Purchase Report > Partywise Purchase Report",
                            "stk=Stock", "  stksum=Stock Summary > Stock", "tools=Tools", "  closeyear=Close Year...", "  pastyear=Past Year...", "  editlog=Edit Log > Edit Log", "  exportxlsx=Export to Excel", "  exportcsv=Export to CSV",
                            "  lastprint=Last Printout > Last Printout", "  settings=Settings... > Settings"}));
+        QPointer<Screen> sales = p.window().screen("sale");
+        p.window().findChild<QAction *>("sale")->trigger();
         QCOMPARE(p.screens().size(), 17);
+        QCOMPARE(p.window().screen("sale"), sales.data());
         QVERIFY(p.shop.unhandledErrors.isEmpty());
+        // A closed screen is unloaded; the next choice makes it anew.
+        QTest::mouseClick(sales->findChild<QPushButton *>("cmdclose"), Qt::LeftButton);
+        QTRY_VERIFY(sales.isNull());
+        QCOMPARE(p.screens().size(), 16);
+        QVERIFY(p.window().openScreen("sale"));
     }
 
     // A screen reader names every field, list and date by what the operator sees: each control
@@ -117,13 +94,12 @@ private slots:
         for (QMdiSubWindow *window : p.screens()) {
             const QWidget *screen = window->widget();
             for (QWidget *control : screen->findChildren<QWidget *>()) {
-                const bool named = qobject_cast<QLineEdit *>(control) || qobject_cast<QAbstractItemView *>(control)
-                                   || qobject_cast<QAbstractSpinBox *>(control) || qobject_cast<QComboBox *>(control);
-                bool part = false; // the editor inside a date or a drop-down list is its own
-                for (QWidget *w = control->parentWidget(); w != screen; w = w->parentWidget())
-                    part = part || qobject_cast<QAbstractSpinBox *>(w) || qobject_cast<QComboBox *>(w);
-                if (named && !part && control->focusPolicy() != Qt::NoFocus)
-                    QVERIFY2(!control->accessibleName().isEmpty(), qPrintable(screen->windowTitle() + ": " + control->metaObject()->className()));
+                bool named = qobject_cast<QLineEdit *>(control) || qobject_cast<QAbstractItemView *>(control)
+                             || qobject_cast<QAbstractSpinBox *>(control) || qobject_cast<QComboBox *>(control);
+                for (QWidget *w = control->parentWidget(); w != screen; w = w->parentWidget()) // a date's or a drop-down's editor is its own
+                    named = named && !qobject_cast<QAbstractSpinBox *>(w) && !qobject_cast<QComboBox *>(w);
+                QVERIFY2(!named || control->focusPolicy() == Qt::NoFocus || !control->accessibleName().isEmpty(),
+                         qPrintable(screen->windowTitle() + ": " + control->metaObject()->className()));
             }
             for (QLabel *label : screen->findChildren<QLabel *>())
                 if (label->buddy())
@@ -131,52 +107,33 @@ private slots:
         }
     }
 
-    // A second choice brings the same screen back; a closed one is unloaded.
-    void aScreenIsOpenedOnceAndUnloadedWhenClosed()
-    {
-        RunningProgram p;
-        QPointer<Screen> sales = p.window().screen("sale");
-        p.window().findChild<QAction *>("sale")->trigger();
-        QCOMPARE(p.screens().size(), 1);
-        QCOMPARE(p.window().screen("sale"), sales.data());
-        QTest::mouseClick(sales->findChild<QPushButton *>("cmdclose"), Qt::LeftButton);
-        QTRY_VERIFY(sales.isNull());
-        QVERIFY(p.screens().isEmpty());
-        Screen *fresh = p.window().openScreen("sale");
-        QVERIFY(fresh);
-        QCOMPARE(p.screens().size(), 1);
-    }
-
+    // A message box closing, or the window regaining focus, gives null and then the same
+    // screen again: that is no activation.
     void activationRunsOnlyWhenTheActiveScreenChanges()
     {
         RunningProgram p;
-        auto *a = new ProbeScreen(p.shop.services());
+        auto *a = new ProbeScreen(p.shop.services()), *b = new ProbeScreen(p.shop.services());
         p.window().showScreen("a", a);
-        QCOMPARE(a->activations, 1);
-        auto *b = new ProbeScreen(p.shop.services());
         p.window().showScreen("b", b);
-        QCOMPARE(b->activations, 1);
-        // A message box closing, or the window regaining focus: null, then the same child again.
         QMdiSubWindow *active = p.window().mdiArea()->activeSubWindow();
         emit p.window().mdiArea()->subWindowActivated(nullptr);
         emit p.window().mdiArea()->subWindowActivated(active);
-        QCOMPARE(b->activations, 1);
+        QCOMPARE(QList<int>({a->activations, b->activations}), QList<int>({1, 1}));
         p.window().mdiArea()->setActiveSubWindow(qobject_cast<QMdiSubWindow *>(a->parentWidget()));
-        QCOMPARE(a->activations, 2);
-        QCOMPARE(b->activations, 1);
+        QCOMPARE(QList<int>({a->activations, b->activations}), QList<int>({2, 1}));
     }
 
-    void aPrinterThatCannotBeOpenedIsAnError()
+    // Without its database the program shows no window; a printer that cannot be opened ends
+    // the print.
+    void aMissingDatabaseOrPrinterEndsWithAMessage()
     {
-        QTemporaryDir dir;
-        QVERIFY(QDir(dir.path()).mkdir("LPT1"));
-        QString message;
-        try {
-            LinePrinter(dir.path()).print({"LOST"});
-        } catch (const UnhandledError &error) {
-            message = error.message();
-        }
-        QVERIFY2(message.startsWith(QStringLiteral("Cannot open the printer %1/LPT1").arg(dir.path())), qPrintable(message));
+        test::TestShop shop;
+        QVERIFY(QFile::remove(shop.directory() + "/vantrel.accdb") && QDir(shop.directory()).mkdir("LPT1"));
+        const int windowsBefore = int(QApplication::topLevelWidgets().size());
+        QCOMPARE(test::errorOf([&] { Program(shop.directory(), shop.dialogs, shop.clock, [](const QString &) {}); }),
+                 QStringLiteral("Cannot open the database file %1/vantrel.accdb: unable to open database file").arg(shop.directory()));
+        QCOMPARE(int(QApplication::topLevelWidgets().size()), windowsBefore);
+        QVERIFY(test::errorOf([&] { LinePrinter(shop.directory()).print({"LOST"}); }).startsWith("Cannot open the printer " + shop.directory() + "/LPT1"));
     }
 };
 

@@ -221,13 +221,8 @@ StepDesk::Snapshot StepDesk::snapshot()
     return tables;
 }
 
-#define CHECK(condition, message)                                                                                              \
-    do {                                                                                                                       \
-        if (!(condition)) {                                                                                                    \
-            QTest::qFail(qPrintable(message), __FILE__, __LINE__);                                                             \
-            return;                                                                                                            \
-        }                                                                                                                      \
-    } while (false)
+#define CHECK(condition, message) \
+    if (!(condition)) return QTest::qFail(qPrintable(message), __FILE__, __LINE__)
 
 void StepDesk::step(const QString &verb, const QString &argument)
 {
@@ -245,29 +240,25 @@ void StepDesk::step(const QString &verb, const QString &argument)
         m_screen = m_window->mdiArea()->activeSubWindow() ? static_cast<QWidget *>(m_window->mdiArea()->activeSubWindow()->widget()) : nullptr;
     } else if (verb == "option") {
         shop.dialogs.choices << argument.toInt();
-    } else if (verb == "start") {
-        // start ENTRY MODE [PARTY]: a new document of the mode, the party picked from its list.
-        const QStringList word = argument.split(QLatin1Char(' '));
-        step("open", word[0]);
-        field(m_screen, "C/D")->clear();
-        step("type", "C/D=" + word.value(1));
-        if (word.size() > 2)
-            step("pick", "Party:=" + word[2] + '>' + (shows(m_screen, "party list") ? "party list" : "party grid"));
-    } else if (verb == "add") {
-        // add CODE QTY [RATE]: a line keyed by its item code, added with the button.
-        const QStringList word = argument.split(QLatin1Char(' '));
-        keyItem(m_screen, shows(m_screen, "item code") ? "item code" : "Item code", word[0], word.value(1), word.value(2));
-        click(m_screen, "&Add");
-    } else if (verb == "reopen") {
+    } else if (verb == "start" || verb == "reopen") {
+        // start ENTRY MODE [PARTY]: a new document of the mode, the party picked from its list;
         // reopen ENTRY MODE NUMBER: the document of that number and mode brought back by Enter.
         const QStringList word = argument.split(QLatin1Char(' '));
         step("open", word[0]);
         field(m_screen, "C/D")->clear();
         step("type", "C/D=" + word.value(1));
-        QLineEdit *number = m_screen->findChild<QLineEdit *>("txtpono");
-        number->clear();
-        QTest::keyClicks(number, word.value(2));
-        QTest::keyClick(number, Qt::Key_Return);
+        if (verb == "start" && word.size() > 2)
+            step("pick", "Party:=" + word[2] + '>' + (shows(m_screen, "party list") ? "party list" : "party grid"));
+        if (QLineEdit *number = m_screen->findChild<QLineEdit *>("txtpono"); verb == "reopen") {
+            number->clear();
+            QTest::keyClicks(number, word.value(2));
+            QTest::keyClick(number, Qt::Key_Return);
+        }
+    } else if (verb == "add") {
+        // add CODE QTY [RATE]: a line keyed by its item code, added with the button.
+        const QStringList word = argument.split(QLatin1Char(' '));
+        keyItem(m_screen, shows(m_screen, "item code") ? "item code" : "Item code", word[0], word.value(1), word.value(2));
+        click(m_screen, "&Add");
     } else if (verb == "type") {
         target(name)->setFocus();
         QTest::keyClicks(target(name), value);
@@ -333,14 +324,14 @@ void StepDesk::step(const QString &verb, const QString &argument)
         QProcess text;
         text.start(QStringLiteral("pdftotext"), {QStringLiteral("-layout"), shop.directory() + "/exports/" + argument, QStringLiteral("-")});
         text.waitForFinished(30000);
-        QStringList lines = QString::fromUtf8(text.readAllStandardOutput()).remove(QLatin1Char('\f')).split(QLatin1Char('\n'));
-        QStringList printed = printout().split(QStringLiteral("\r\n"));
-        for (QStringList *text : {&lines, &printed}) // the reader puts its own blanks between words
-            for (QString &line : *text)
-                line = line.simplified();
-        lines.removeAll(QString());
-        printed.removeAll(QString());
-        failure = same("the PDF's text", lines.join(" | "), printed.join(" | "));
+        const auto lines = [](const QString &text) { // the reader puts its own blanks between words
+            QStringList lines;
+            for (const QString &line : text.split(QRegularExpression("\\r?\\n|\\f")))
+                lines << line.simplified();
+            lines.removeAll(QString());
+            return lines.join(" | ");
+        };
+        failure = same("the PDF's text", lines(QString::fromUtf8(text.readAllStandardOutput())), lines(printout()));
     } else if (verb == "saved") {
         QFile saved(shop.directory() + "/exports/" + argument);
         failure = same(argument, saved.open(QIODevice::ReadOnly) ? QString::fromUtf8(saved.readAll()) : QStringLiteral("(no file)"), printout());
@@ -356,28 +347,20 @@ void StepDesk::step(const QString &verb, const QString &argument)
         failure = same("what reached the queue", out.open(QIODevice::ReadOnly) ? QString::fromUtf8(out.readAll()) : QStringLiteral("(nothing)"), printout());
         if (failure.isEmpty())
             failure = same("its kind", type.open(QIODevice::ReadOnly) ? QString::fromUtf8(type.readAll()).trimmed() : QString(), "application/vnd.cups-raw");
-    } else if (verb == "top") {
+    } else if (verb == "top" || verb == "list") {
+        // top: the first rows in order, "*" for any cell; list: every data row, in any order.
         Grid *g = grid(m_screen, name);
         Rows expected = table(value), rows;
-        for (int r = 1; r <= expected.size() && r < g->rows(); ++r) {
+        for (int r = 1, n = verb == "top" ? std::min(int(expected.size()) + 1, g->rows()) : g->rows(); r < n; ++r) {
             QStringList row;
             for (int c = 0; c < g->cols(); ++c)
-                row << (expected[r - 1].value(c) == "*" ? QStringLiteral("*") : g->text(r, c));
+                row << (verb == "top" && expected[r - 1].value(c) == "*" ? QStringLiteral("*") : g->text(r, c));
             rows << row;
         }
-        failure = same(name, shown(rows), shown(expected));
-    } else if (verb == "list") {
-        Grid *g = grid(m_screen, name);
-        Rows rows;
-        for (int r = 1, n = g->rows(); r < n; ++r) {
-            QStringList row;
-            for (int c = 0; c < g->cols(); ++c)
-                row << g->text(r, c);
-            rows << row;
+        if (verb == "list") {
+            std::sort(rows.begin(), rows.end());
+            std::sort(expected.begin(), expected.end());
         }
-        std::sort(rows.begin(), rows.end()); // the lists ask for no order
-        Rows expected = table(value);
-        std::sort(expected.begin(), expected.end());
         failure = same(name, shown(rows), shown(expected));
     } else if (verb == "line") {
         failure = same("printed line " + name, printout().split(QStringLiteral("\r\n")).value(name.toInt()), value);
@@ -431,15 +414,11 @@ void StepDesk::step(const QString &verb, const QString &argument)
                 !was.contains(it.key()) ? ++added : (was.value(it.key()) != it.value() ? ++updated : 0);
             for (auto it = was.cbegin(); it != was.cend(); ++it)
                 removed += now.contains(it.key()) ? 0 : 1;
-            QStringList counts;
-            if (added)
-                counts << QStringLiteral("+%1").arg(added);
-            if (removed)
-                counts << QStringLiteral("-%1").arg(removed);
-            if (updated)
-                counts << QStringLiteral("~%1").arg(updated);
+            QString counts;
+            for (const auto &[sign, count] : QList<std::pair<char, int>>{{'+', added}, {'-', removed}, {'~', updated}})
+                counts += count ? QStringLiteral(" %1%2").arg(sign).arg(count) : QString();
             if (!counts.isEmpty())
-                actual << QLatin1String(t) + " " + counts.join(' ');
+                actual << QLatin1String(t) + counts;
         }
         m_before = after;
         expected.sort();

@@ -10,46 +10,29 @@ class Grid;
 
 namespace vantrel::test {
 
-// A case written as steps, one a line, run on a desk with the shared shop: what the operator
-// does on the screen opened last, then what the screen, the messages and the file must show.
-// A step the runner does not know fails the case, as does the first check that fails; either
-// names the line. TARGET is an on-screen label, a grid's role or a button's caption.
-//
-//   open ENTRY               the menu entry of that name ("sale", "pur", "rcpt", ...)
-//   window TITLE             the steps after act in the program's window so titled
-//   option N                 the operator's pick (N, from 0) in the next list to choose from
-//   type TARGET=TEXT         key by key into the field      set TARGET=TEXT   its text at once
-//   choose BOX=TEXT          a combo box's entry          date PICKER=MM/DD/YYYY
-//   clear TARGET             key TARGET=KEY (Return, Escape, Down, Up, Left, Right, Tab, F9, Space, a letter)
-//   focus TARGET             click CAPTION   tap TARGET (a mouse click)   cell GRID=ROW,COL
-//   pick FIELD=TEXT>LIST     types TEXT, then Enter in the list
-//   yes / no                 the answer to the next question
-//   field TARGET=TEXT        the field's text               grid GRID=ROW,COL=TEXT
-//   rows GRID=COUNT          with the heading row           focused TARGET
-//   list GRID=a,b | c,d      every data row, in any order   line N=TEXT   the printout's line N
-//   top GRID=a,b | c,d       the first data rows, in order; "*" stands for any cell
-//   width GRID=HEADING=TWIPS the width of the column so headed
-//   enabled CAPTION=yes|no   shown TARGET=yes|no
-//   said M1 | M2             the messages since the last said (none when empty); "..." in a
-//                            message stands for any text
-//   sql QUERY => a,b | c,d   the rows of a query (empty cells as nothing)
-//   check F1 | F2            the full check's findings, then what it notes ("..." as for said)
-//   printed LINE | LINE      the printer file's lines
-//   changed TABLE +N -N ~N, ...   rows inserted, deleted, updated since the last changed (or the
-//                            start); every table not named is unchanged
-//   exec SQL                 a statement of the case's own    force CAPTION   enables a button
-//   fails SQL => MESSAGE     the statement fails with the database's message
-//   shell SQL => OUTPUT      the sqlite3 shell on the file: what it prints, lines joined by " | "
-//   status TEXT              what the status line says was printed
-//   ended MESSAGE            the program ended with the database's message (and goes on here)
-//   setting KEY=VALUE        the program's setting (each case starts from none)
-//   pdftext FILE             the text of exports/FILE (a PDF) is the printout's, line by line
-//   saved FILE               exports/FILE holds the printer file's bytes
-//   cups QUEUE               a print system of the test's own with a queue QUEUE (a file)
-//   queued                   what reached that queue is the printer file's bytes, sent raw
-//   exports GRID=K,K...      the list to a workbook and a CSV file by the Tools keys, read back by
-//                            spreadsheet readers: every cell as shown, each data column of kind
-//                            K (n number, d date, s text)
+// A case written as steps, one a line or joined by "; ", run on a desk with the shared shop: what
+// the operator does on the screen opened last, then what the screen, the messages and the file
+// must show. A step the runner does not know fails the case, as does the first check that fails;
+// either names the line. TARGET is an on-screen label, a grid's role or a button's caption.
+//   acting:  open ENTRY (the menu entry's name) | window TITLE | start ENTRY MODE [PARTY] |
+//            reopen ENTRY MODE NUMBER | add CODE QTY [RATE] | type/set TARGET=TEXT (key by key, at
+//            once) | clear TARGET | key TARGET=KEY | focus TARGET | click CAPTION | tap TARGET (a
+//            mouse click) | cell GRID=ROW,COL | pick FIELD=TEXT>LIST | choose BOX=TEXT |
+//            date PICKER=MM/DD/YYYY | yes | no | option N (the next list's pick, from 0) |
+//            force CAPTION (enables it) | exec SQL | setting KEY=VALUE | cups QUEUE (a print
+//            system of the test's own whose queue is a file)
+//   seeing:  field TARGET=TEXT | grid GRID=ROW,COL=TEXT | rows GRID=COUNT (with the heading) |
+//            list GRID=a,b | c,d (every data row, any order) | top GRID=a,b (the first rows in
+//            order, "*" any cell) | width GRID=HEADING=TWIPS | focused TARGET | enabled/shown
+//            TARGET=yes|no | said M1 | M2 (the messages since the last said; "..." any text) |
+//            sql QUERY => a,b | c,d | fails SQL => MESSAGE | shell SQL => OUTPUT (the sqlite3
+//            shell) | check F1 | F2 (the full check's findings, then its notes) | printed L1 | L2
+//            | line N=TEXT (of the printout) | status TEXT | ended MESSAGE (the program ended so,
+//            and goes on here) | pdftext FILE / saved FILE (exports/FILE is the printout) |
+//            queued (the printout reached the queue raw) | exports GRID=K,K (to a workbook and a
+//            CSV file by the Tools keys, read back cell by cell; K: n number, d date, s text) |
+//            changed TABLE +N -N ~N, ... (rows inserted, deleted, updated since the last changed
+//            or the start; every table not named is unchanged)
 struct StepDesk : Desk {
     StepDesk() : Desk(TestShop::Filled) {}
     void run(const QString &steps);

@@ -31,6 +31,16 @@ int ScriptedDialogs::choose(const QString &question, const QStringList &items)
     return choices.takeFirst();
 }
 
+QString errorOf(const std::function<void()> &action)
+{
+    try {
+        action();
+    } catch (const UnhandledError &error) {
+        return error.message();
+    }
+    return QStringLiteral("(no error)");
+}
+
 TestShop::TestShop(Start start) : m_dir(QDir::tempPath() + QStringLiteral("/vantrel shop-XXXXXX"))
 {
     QSettings().clear(); // every shop starts from the program's defaults

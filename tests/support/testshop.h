@@ -8,6 +8,7 @@
 #include <QList>
 #include <QStringList>
 #include <QTemporaryDir>
+#include <functional>
 #include <memory>
 
 namespace vantrel::test {
@@ -29,6 +30,9 @@ public:
     QList<bool> answers;
     QList<int> choices;
 };
+
+// The message of the UnhandledError that ACTION throws, or "(no error)".
+QString errorOf(const std::function<void()> &action);
 
 class FixedClock final : public Clock {
 public:
