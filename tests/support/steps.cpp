@@ -110,42 +110,21 @@ QString StepDesk::printout() const
 
 namespace {
 
-// A print system of the test's own, started once: cupsd on a socket in a folder of its own,
-// with the queue QUEUE whose printer is a backend that writes each job, as it came, into a file
-// there; that file's path, or empty when the print system did not start.
+// The print system of the tests' own (tests/support/printserver), started once, with the queue
+// QUEUE; the file its printer writes, or empty when it did not start.
 QString startPrintServer(const QString &queue)
 {
     static QTemporaryDir folder(QDir::tempPath() + QStringLiteral("/cups-XXXXXX"));
     static QProcess cupsd;
-    const QString root = folder.path(), out = root + QStringLiteral("/out/printed");
-    if (cupsd.state() == QProcess::Running)
-        return out;
-    for (const char *sub : {"spool", "cache", "state", "out", "bin/backend"})
-        QDir(root).mkpath(QLatin1String(sub));
-    for (const char *sub : {"daemon", "filter"})
-        QFile::link(QStringLiteral("/usr/lib/cups/") + QLatin1String(sub), root + QStringLiteral("/bin/") + QLatin1String(sub));
-    QFile::setPermissions(root, QFile::Permissions(0x7755)); // the queue's device is written as lp
-    QFile::setPermissions(root + QStringLiteral("/out"), QFile::Permissions(0x7777));
-    const auto write = [&root](const char *name, const QString &text) {
-        QFile file(root + QLatin1Char('/') + QLatin1String(name));
-        return file.open(QIODevice::WriteOnly) && file.write(text.arg(root).toUtf8()) > 0;
-    };
-    write("cupsd.conf", QStringLiteral("Listen %1/cups.sock\nWebInterface No\nBrowsing No\n<Location />\nOrder allow,deny\nAllow all\n</Location>\n"));
-    write("cups-files.conf", QStringLiteral("ServerRoot %1\nServerBin %1/bin\nRequestRoot %1/spool\nCacheDir %1/cache\nStateDir %1/state\n"
-                                            "TempDir %1/spool\nErrorLog %1/error_log\nAccessLog %1/access_log\nPageLog %1/page_log\nUser lp\nGroup lp\n"));
-    write("printers.conf", QStringLiteral("<Printer ") + queue + QStringLiteral(">\nDeviceURI testfile:%1/out/printed\nState Idle\nAccepting Yes\n</Printer>\n"));
-    write("bin/backend/testfile", QStringLiteral("#!/bin/sh\n[ $# -eq 0 ] && exec echo 'direct testfile \"Unknown\" \"A file\"'\n"
-                                                 "echo \"$CONTENT_TYPE\" > \"${DEVICE_URI#testfile:}.type\"\n"
-                                                 "cat ${6:-} > \"${DEVICE_URI#testfile:}\"\n"));
-    QFile::setPermissions(root + QStringLiteral("/bin/backend/testfile"), QFile::Permissions(0x7755));
-    cupsd.start(QStringLiteral("/usr/sbin/cupsd"), {QStringLiteral("-f"), QStringLiteral("-c"), root + QStringLiteral("/cupsd.conf"),
-                                                    QStringLiteral("-s"), root + QStringLiteral("/cups-files.conf")});
-    cupsd.waitForStarted();
-    qputenv("CUPS_SERVER", QFile::encodeName(root + QStringLiteral("/cups.sock")));
-    QDeadlineTimer deadline(10000);
-    while (!QFile::exists(root + QStringLiteral("/cups.sock")) && cupsd.state() == QProcess::Running && !deadline.hasExpired())
-        QThread::msleep(50);
-    return QFile::exists(root + QStringLiteral("/cups.sock")) ? out : QString();
+    const QString socket = folder.filePath(QStringLiteral("cups.sock"));
+    if (cupsd.state() != QProcess::Running) {
+        cupsd.start(QStringLiteral(VANTREL_PRINTSERVER), {folder.path(), queue});
+        qputenv("CUPS_SERVER", QFile::encodeName(socket));
+        QDeadlineTimer deadline(10000);
+        while (!QFile::exists(socket) && cupsd.state() != QProcess::NotRunning && !deadline.hasExpired())
+            cupsd.waitForFinished(50);
+    }
+    return QFile::exists(socket) ? folder.filePath(QStringLiteral("out/printed")) : QString();
 }
 
 QString same(const QString &what, const QString &actual, const QString &expected)

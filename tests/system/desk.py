@@ -24,32 +24,15 @@ SHOP = open(os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "supp
 _running = []  # the programs a case started; closed when it ends
 
 
-# The menu bar as the keyboard walks it: F10 opens "File", Right moves to the next menu, Down to
-# the next entry. Each entry: (menu, entry caption, caption of the screen it opens).
-MENUS = ["File", "Transaction", "Sales Report", "Purchase Report", "Stock", "Tools"]
-ENTRIES = [
-    ("File", "Receipt", "Receipt"),
-    ("File", "Ledger", "Ledger"),
-    ("Transaction", "Sales", "Sales"),
-    ("Transaction", "Purchase", "Purchase"),
-    ("Transaction", "Product master", "Product Master"),
-    ("Transaction", "Party master", "Suppliermaster"),
-    ("Transaction", "Company Master", "Company Master"),
-    ("Sales Report", "Day Book", "Sales-Day Book"),
-    ("Sales Report", "DateWise Sales Report", "Sales Datewise Report"),
-    ("Sales Report", "Partywise sales Report", "Partywise Sales Report"),
-    ("Purchase Report", "Day Book", "Purchase Day Book"),
-    ("Purchase Report", "DateWise Purchase Report", "Purchase Datewise Report"),
-    ("Purchase Report", "Partywise Purchase Report", "Partywise Purchase Report"),
-    ("Stock", "Stock Summary", "Stock"),
-    ("Tools", "Close Year...", None),  # commands: no screen of their own
-    ("Tools", "Past Year...", None),
-    ("Tools", "Edit Log", "Edit Log"),
-    ("Tools", "Export to Excel", None),
-    ("Tools", "Export to CSV", None),
-    ("Tools", "Last Printout", "Last Printout"),
-    ("Tools", "Settings...", "Settings"),
-]
+# The menu bar as the keyboard walks it (F10 opens "File", Right moves to the next menu, Down to the
+# next entry): each menu's entries as "Entry>Caption of the screen it opens" ("Entry" alone where
+# the caption is the entry's; "Entry>" for a command with no screen of its own).
+MENUS = {"File": "Receipt|Ledger", "Transaction": "Sales|Purchase|Product master>Product Master|Party master>Suppliermaster|Company Master",
+         "Sales Report": "Day Book>Sales-Day Book|DateWise Sales Report>Sales Datewise Report|Partywise sales Report>Partywise Sales Report",
+         "Purchase Report": "Day Book>Purchase Day Book|DateWise Purchase Report>Purchase Datewise Report|Partywise Purchase Report",
+         "Stock": "Stock Summary>Stock",
+         "Tools": "Close Year...>|Past Year...>|Edit Log|Export to Excel>|Export to CSV>|Last Printout|Settings...>Settings"}
+ENTRIES = [(menu, e.split(">")[0], (e + ">" + e).split(">")[1] or None) for menu, entries in MENUS.items() for e in entries.split("|")]
 
 
 class Failure(Exception):
@@ -100,24 +83,6 @@ def walk(acc):
         child = acc.getChildAtIndex(i)
         if child is not None:
             yield from walk(child)
-
-
-class Desktop:
-    """The window manager and the accessibility bus, for the whole run."""
-
-    def __init__(self):
-        self.helpers = [
-            subprocess.Popen(["/usr/libexec/at-spi-bus-launcher", "--launch-immediately"],
-                             stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL),
-        ]
-        time.sleep(0.5)
-        self.helpers.append(subprocess.Popen(["openbox"], stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL))
-        time.sleep(0.5)
-
-    def close(self):
-        for helper in reversed(self.helpers):
-            helper.terminate()
-            helper.wait()
 
 
 class Program:
@@ -176,7 +141,7 @@ class Program:
         Enter, and returns the caption of the screen it opens."""
         menu, caption = next((m, c) for m, e, c in ENTRIES if e == entry and menu in (None, m))
         index = [e for m, e, c in ENTRIES if m == menu].index(entry)
-        self.keys("F10", *["Right"] * MENUS.index(menu))
+        self.keys("F10", *["Right"] * list(MENUS).index(menu))
         self.keys(*["Down"] * index, "Return")
         return caption
 
@@ -236,8 +201,7 @@ class Program:
         return None
 
     def focused_name(self):
-        acc = self.focused()
-        return acc.name if acc is not None else None
+        return getattr(self.focused(), "name", None)
 
     def focused_screen(self):
         """The caption of the screen that holds the keyboard."""
@@ -299,7 +263,7 @@ class Program:
         """Runs STEPS, one a line or several joined by "; ", each waiting for what it expects:
             menu ENTRY [| MENU] the entry by F10, arrows and Enter; its screen is then the scope
             in CAPTION          the screen the next steps read          focus NAME (of the scope)
-            keys K...           type TEXT           hold KEY (0.1 s)     tab NAME / backtab NAME
+            keys K...           fast K... (no pause)  type TEXT    hold KEY (0.1 s)    tab NAME / backtab NAME
             field LABEL=TEXT    list NAME (shown)   nolist NAME
             enabled CAPTION / disabled CAPTION      box TEXT=KEY...      nobox
             sql QUERY => a,b | c,d                  printed TEXT (in the printer file)
@@ -316,6 +280,8 @@ class Program:
                 self.scope = wait_for("the screen " + arg, lambda: self.screen(arg))
             elif verb == "keys":
                 self.keys(*arg.split())
+            elif verb == "fast":  # typed ahead of the screen, as a scanner types
+                subprocess.run(["xdotool", "key", "--delay", "0"] + arg.split(), check=True)
             elif verb == "type":
                 self.type(arg)
             elif verb == "hold":
@@ -375,7 +341,11 @@ class Program:
 def run(cases):
     """Runs each case (a function taking the program's directory) and prints the tally."""
     program_dir = os.path.abspath(sys.argv[1])
-    desktop = Desktop()
+    # The accessibility bus, then the window manager, for the whole run.
+    helpers = []
+    for command in (["/usr/libexec/at-spi-bus-launcher", "--launch-immediately"], ["openbox"]):
+        helpers.append(subprocess.Popen(command, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL))
+        time.sleep(0.5)
     passed = failed = 0
     try:
         for case in cases:
@@ -394,6 +364,8 @@ def run(cases):
             while _running:
                 _running.pop().close()
     finally:
-        desktop.close()
+        for helper in reversed(helpers):
+            helper.terminate()
+            helper.wait()
     print("%d passed, %d failed" % (passed, failed))
     sys.exit(1 if failed else 0)

@@ -5,6 +5,9 @@ message boxes take the activation and give it back, and a grid's own keys run fi
 offscreen unit tests cannot see any of that. Each case is steps (desk.Program.run) on the
 shared shop."""
 
+import os
+import subprocess
+
 from desk import SHOP, Program, run
 
 CASES = {
@@ -83,6 +86,14 @@ CASES = {
         menu Settings...; tab Show each printout before it prints; keys space alt+s; box The settings are saved.=Return
         menu DateWise Sales Report; tab Print; keys Return; box Page 1 of 1=Return; status Printed Datewise; printed Datewise
         keys Return; box Page 1 of 1=Escape; status Not printed: Datewise; nobox""",
+
+    # Typed ahead of the screen: each key acts as it would have had it come after the screen.
+    "a credit line typed ahead": """
+        fast d r a m e Down Return p a Down Return 3 F9; box balance counted=Return; box Party transcation completed=Return
+        sql select invoice,prodname,qty from sales where party='RAMESH' => 3,PANADOL,3""",
+
+    "the purchase screen opened typed ahead": """
+        fast F10 Right Down Return c; in Purchase; field Purchse Order No :=2""",
 }
 
 SETTLED = "update sales set status='p'; update purchase set status='p';"
@@ -96,4 +107,11 @@ def case(name, steps):
 
 
 if __name__ == "__main__":
-    run([case(name, steps) for name, steps in CASES.items()])
+    # The soak (VANTREL_RUNS=50) runs the typed-ahead cases that many times while every core is kept busy.
+    runs = int(os.environ.get("VANTREL_RUNS", "1"))
+    burners = [subprocess.Popen(["sh", "-c", "while :; do :; done"]) for _ in range(os.cpu_count() if runs > 1 else 0)]
+    try:
+        run([case(name, steps) for _ in range(runs) for name, steps in CASES.items() if runs == 1 or "typed ahead" in name])
+    finally:
+        for burner in burners:
+            burner.kill()

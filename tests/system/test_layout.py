@@ -81,33 +81,21 @@ def every_screen_fits_when_it_opens(program_dir):
     check(not found, "at %s:\n  " % size + "\n  ".join(found))
 
 
-
-def fields_where(p, screen):
-    p.app.clear_cache()
-    return {acc.name: extents(acc) for acc in walk(screen) if acc.getRoleName() == "text" and showing(acc)}
-
-
 def no_field_moves_when_a_list_opens(program_dir):
     p = Program(program_dir, SHOP)
-    sales = p.sales
-    products = p.screen(p.choose_from_menu("Product master"))
-    wait_for("the keyboard in Product Master", lambda: p.focused_screen() == "Product Master")
-    before = fields_where(p, products)
-    p.keys("alt+a")
-    wait_for("the company list", lambda: p.showing("company list", scope=products))
-    p.screenshot("%s-company-list" % display_size())
-    after = fields_where(p, products)
-    moved = [name for name in before if after.get(name) != before[name]]
-    check(not moved, "fields moved when the company list opened: %s" % moved)
-
-    p.choose_from_menu("Sales")
-    wait_for("the keyboard in Sales", lambda: p.focused_screen() == "Sales")
-    before = fields_where(p, sales)
-    p.type("dr")
-    wait_for("the party list", lambda: p.showing("party list", scope=sales))
-    after = fields_where(p, sales)
-    moved = [name for name in before if after.get(name) != before[name]]
-    check(not moved, "fields moved when the party list opened: %s" % moved)
+    for entry, keys, listed in (("Product master", ["alt+a"], "company list"), ("Sales", ["d", "r"], "party list")):
+        caption = p.choose_from_menu(entry)
+        wait_for("the keyboard in " + caption, lambda: p.focused_screen() == caption)
+        screen = p.screen(caption)
+        fields = lambda: {acc.name: extents(acc) for acc in walk(screen) if acc.getRoleName() == "text" and showing(acc)}
+        before = fields()
+        p.keys(*keys)
+        wait_for("the " + listed, lambda: p.showing(listed, scope=screen))
+        p.screenshot("%s-%s" % (display_size(), listed.replace(" ", "-")))
+        p.app.clear_cache()
+        after = fields()
+        moved = [name for name in before if after.get(name) != before[name]]
+        check(not moved, "fields moved when the %s opened: %s" % (listed, moved))
 
 
 def a_grid_with_the_keyboard_looks_it(program_dir):
