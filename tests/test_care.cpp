@@ -146,7 +146,7 @@ private slots:
             const QString button = random.bounded(2) ? "C&ancel" : "&End Inventory";
             return rows.isEmpty() ? QString() : QStringLiteral("reopen %1 %2; yes; click %3").arg(entry, rows[0].join(' '), button);
         };
-        for (int action = 0; action < 500 && !QTest::currentTestFailed(); ++action) {
+        for (int action = 0; action < 200 && !QTest::currentTestFailed(); ++action) {
             const QString steps = QList<QString>{
                 "start sale " + any(modes) + " RAM; add " + any(codes) + " " + any(quantities) + "; add " + any(codes) + " " + any(quantities),
                 "start pur " + any(modes) + " RAM; add " + any(codes) + " " + any(quantities) + " 40",
@@ -219,11 +219,10 @@ private slots:
 
         const CheckReport full = check(shop), quick = check(shop, CheckDepth::Quick);
         QCOMPARE(kinds(full), QStringList({NoBalance, SaleTotal, "A sales invoice without lines", NoInvoice}));
-        QCOMPARE(full.traces.size(), 5);
         QCOMPARE(kinds(quick), QStringList({NoBalance, SaleTotal, NoInvoice}));
-        QCOMPARE(quick.traces.size(), 3);
-        QVERIFY2(quick.text().contains("sales invoice 900003 (C)") && !quick.text().contains("900001"), qPrintable(quick.text()));
-        QVERIFY2(quick.text().contains("sales invoice 5 (C)"), qPrintable(quick.text()));
+        QCOMPARE(QList<qsizetype>({full.traces.size(), quick.traces.size()}), QList<qsizetype>({5, 3}));
+        QVERIFY2(quick.text().contains("sales invoice 900003 (C)") && quick.text().contains("sales invoice 5 (C)") && !quick.text().contains("900001"),
+                 qPrintable(quick.text()));
     }
 
     // A file made before the numbering guards can hold a text for a number, and two headers
