@@ -19,8 +19,6 @@ WAIT = 10.0  # seconds a condition may take before the check fails
 
 # The shop every test starts from, the C++ tests' own.
 SHOP = open(os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "support", "shop.sql")).read()
-
-
 _running = []  # the programs a case started; closed when it ends
 
 
@@ -111,11 +109,8 @@ class Program:
 
     def _find_app(self):
         desktop = pyatspi.Registry.getDesktop(0)
-        for i in range(desktop.childCount):
-            app = desktop.getChildAtIndex(i)
-            if app is not None and app.get_process_id() == self.process.pid:
-                return app
-        return None
+        return next((app for app in map(desktop.getChildAtIndex, range(desktop.childCount))
+                     if app is not None and app.get_process_id() == self.process.pid), None)
 
     def close(self):
         self.process.kill()
@@ -152,10 +147,7 @@ class Program:
 
     def screen(self, caption):
         """The frame of the screen with CAPTION inside the main window, or None."""
-        for acc in walk(self.app):
-            if acc.name == caption and self._is_screen(acc):
-                return acc
-        return None
+        return next((acc for acc in walk(self.app) if acc.name == caption and self._is_screen(acc)), None)
 
     @staticmethod
     def _is_screen(acc):
@@ -227,12 +219,8 @@ class Program:
         wait_for("the message box %r to close" % expected, lambda: self._box_window() != box)
 
     def _box_window(self):
-        for i in range(self.app.childCount):
-            window = self.app.getChildAtIndex(i)
-            if window is not None and window.getRoleName() in ("dialog", "alert") \
-                    and window.getState().contains(pyatspi.STATE_SHOWING):
-                return window
-        return None
+        return next((window for window in map(self.app.getChildAtIndex, range(self.app.childCount)) if window is not None
+                     and window.getRoleName() in ("dialog", "alert") and window.getState().contains(pyatspi.STATE_SHOWING)), None)
 
     def screenshot(self, name):
         """Saves what the X server shows as NAME.png in the folder of the test's pictures."""
