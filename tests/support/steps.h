@@ -1,7 +1,10 @@
 #pragma once
 
-#include "support/desk.h"
+#include "app/mainwindow.h"
+#include "support/testshop.h"
+#include "support/ui.h"
 
+#include <QApplication>
 #include <QHash>
 
 namespace vantrel {
@@ -9,6 +12,8 @@ class Grid;
 }
 
 namespace vantrel::test {
+
+using Rows = QList<QStringList>;
 
 // A case written as steps, one a line or joined by "; ", run on a desk with the shared shop: what
 // the operator does on the screen opened last, then what the screen, the messages and the file
@@ -33,8 +38,16 @@ namespace vantrel::test {
 //            CSV file by the Tools keys, read back cell by cell; K: n number, d date, s text) |
 //            changed TABLE +N -N ~N, ... (rows inserted, deleted, updated since the last changed
 //            or the start; every table not named is unchanged)
-struct StepDesk : Desk {
-    StepDesk() : Desk(TestShop::Filled) {}
+struct StepDesk {
+    // The operator's desk: the shared shop and the main window, shown and active, no screen open.
+    StepDesk()
+    {
+        window.show();
+        QApplication::setActiveWindow(&window);
+    }
+    TestShop shop{TestShop::Filled};
+    MainWindow window{shop.services()};
+
     void run(const QString &steps);
     // The screen opened last.
     QWidget *screen() const { return m_screen; }
