@@ -6,6 +6,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QRegularExpression>
 #include <QSettings>
 #include <QTest>
 
@@ -44,24 +45,27 @@ QString errorOf(const std::function<void()> &action)
 TestShop::TestShop(Start start) : m_dir(QDir::tempPath() + QStringLiteral("/vantrel shop-XXXXXX"))
 {
     QSettings().clear(); // every shop starts from the program's defaults
-    createDatabaseFile(m_dir.path() + QStringLiteral("/vantrel.accdb"));
+    // Each kind of shop is made once per test program, through the program's own connection as
+    // the screens write, and copied: the same file each time.
+    static QTemporaryDir made;
+    const QString kind = made.filePath(start == Empty ? QStringLiteral("empty") : QStringLiteral("filled")), first = kind + "/vantrel.accdb";
+    if (QDir().mkdir(kind)) {
+        createDatabaseFile(first);
+        QFile sql(QStringLiteral(VANTREL_SHOP_SQL));
+        if (start == Filled && !sql.open(QIODevice::ReadOnly))
+            QTest::qFail("the shared shop's SQL cannot be read", __FILE__, __LINE__);
+        Database db(buildConnectionString(kind));
+        const QString text = QString::fromUtf8(sql.readAll()).remove(QRegularExpression(QStringLiteral("--[^\n]*")));
+        db.execute(QStringLiteral("begin")); // one sync for the whole shop
+        for (const QString &statement : text.split(QLatin1Char(';')))
+            if (!statement.trimmed().isEmpty())
+                db.execute(statement);
+        db.execute(QStringLiteral("commit"));
+    }
+    QFile::copy(first, m_dir.path() + QStringLiteral("/vantrel.accdb"));
     m_db = std::make_unique<Database>(buildConnectionString(m_dir.path()));
     m_services.reset(new Services{*m_db, dialogs, clock, m_dir.path(),
                                   [this](const QString &message) { unhandledErrors << message; }, {}, {}, {}});
-    if (start == Empty)
-        return;
-    QFile sql(QStringLiteral(VANTREL_SHOP_SQL));
-    if (!sql.open(QIODevice::ReadOnly))
-        QTest::qFail("the shared shop's SQL cannot be read", __FILE__, __LINE__);
-    QString text;
-    for (const QString &line : QString::fromUtf8(sql.readAll()).split(QLatin1Char('\n')))
-        if (!line.startsWith(QLatin1String("--")))
-            text += line + QLatin1Char('\n');
-    exec(QStringLiteral("begin")); // one sync for the whole shop
-    for (const QString &statement : text.split(QLatin1Char(';'), Qt::SkipEmptyParts))
-        if (!statement.trimmed().isEmpty())
-            exec(statement);
-    exec(QStringLiteral("commit"));
 }
 
 TestShop::~TestShop() = default;
