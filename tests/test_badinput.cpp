@@ -8,7 +8,6 @@
 // infinity, or an error that is not the database's or the system's own.
 #include "care/shopcheck.h"
 #include "support/steps.h"
-#include "support/testmain.h"
 
 #include <QAbstractSpinBox>
 #include <QDir>

@@ -7,7 +7,6 @@
 #include "care/sqlitefile.h"
 #include "data/unhandlederror.h"
 #include "support/steps.h"
-#include "support/testmain.h"
 
 #include <QDir>
 #include <QFile>

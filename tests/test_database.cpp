@@ -8,7 +8,6 @@
 #include "data/shortdate.h"
 #include "data/schema.h"
 #include "data/unhandlederror.h"
-#include "support/testmain.h"
 #include "support/testshop.h"
 
 #include <QDir>

@@ -2,7 +2,6 @@
 // clicks, then what the fields, the grids, the messages and the file show. The cases are rows
 // of steps in tests/cases/*.txt, each under a line "== its name".
 #include "support/steps.h"
-#include "support/testmain.h"
 
 #include <QDir>
 #include <QRegularExpression>

@@ -7,7 +7,6 @@
 #include "data/records.h"
 #include "data/schema.h"
 #include "data/unhandlederror.h"
-#include "support/testmain.h"
 #include "support/testshop.h"
 #include "years/schemaupgrade.h"
 #include "years/serieswarning.h"
