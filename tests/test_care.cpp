@@ -224,26 +224,6 @@ private slots:
                  qPrintable(quick.text()));
     }
 
-    // A file made before the numbering guards can hold a text for a number, and two headers
-    // can carry one number and mode.
-    void numbersThatAreNotNumbersAndNumbersUsedTwice()
-    {
-        test::TestShop shop;
-        for (const char *trigger : {"salesmain_numbers_insert", "ledger_numbers_insert", "suppliermaster_numbers_insert"})
-            shop.exec(QStringLiteral("drop trigger %1").arg(QLatin1String(trigger)));
-        addSoundInvoices(shop, 1, 3);
-        shop.exec("insert into salesmain(invoice,dat,party,trans,netamt) values(2,'11/20/2026','RAVI','C',10),('A7','11/20/2026','RAM','C',0)");
-        shop.exec("insert into ledger(refno,dat,ac,credit,type,balance) values('R1','11/20/2026','RAM',5,'receipt',5)");
-        shop.exec("insert into suppliermaster(ID,suppname) values(null,'RAM')");
-        const CheckReport report = check(shop);
-        for (const char *finding : {"A sales invoice number used twice: sales invoice 2 (C): another header in row",
-                                    "A number that is not a number: salesmain.invoice in row 5 holds 'A7'",
-                                    "A number that is not a number: ledger.refno in row 1 holds 'R1'",
-                                    "A number that is not a number: suppliermaster.ID in row 1 holds nothing"})
-            QVERIFY2(report.text().contains(QLatin1String(finding)), qPrintable(report.text()));
-        QCOMPARE(kinds(report), QStringList({"A number that is not a number", "A sales invoice number used twice", "A sales invoice without lines"}));
-    }
-
     // A backup holds what was written before it, not a write still open, passes its check, is
     // readable by its owner only and stands alone. A copy of a damaged file is not kept.
     void aBackupIsACheckedCopyTakenWhileTheProgramWrites()

@@ -12,23 +12,18 @@
 #include "care/shopcheck.h"
 #include "care/sqlitefile.h"
 #include "data/connectionstring.h"
-#include "data/database.h"
 #include "data/schema.h"
 #include "data/unhandlederror.h"
+#include "support/testshop.h"
 #include "support/ui.h"
-#include "widgets/clock.h"
-#include "widgets/dialogs.h"
 #include "widgets/screen.h"
-#include "widgets/services.h"
 #include "years/yearclose.h"
 
-#include <QApplication>
 #include <QCryptographicHash>
 #include <QDir>
 #include <QElapsedTimer>
 #include <QProcess>
 #include <QRandomGenerator>
-#include <QTemporaryDir>
 #include <QThread>
 #include <cstdio>
 
@@ -74,8 +69,6 @@ void say(const QString &line)
     std::printf("%s\n", qPrintable(line));
     std::fflush(stdout);
 }
-
-// ---- the worker -------------------------------------------------------------------------
 
 class YesDialogs final : public Dialogs {
 public:
@@ -140,8 +133,6 @@ struct Worker {
         test::click(screen, "&Save");
     }
 };
-
-// ---- the tests --------------------------------------------------------------------------
 
 // What a worker said: the digest of its last completed action, whether one was begun since.
 struct Said {
