@@ -87,6 +87,12 @@ CASES = {
         menu DateWise Sales Report; tab Print; keys Return; box Page 1 of 1=Return; status Printed Datewise; printed Datewise
         keys Return; box Page 1 of 1=Escape; status Not printed: Datewise; nobox""",
 
+    # The status line tells the keys of the screen with the keyboard and what was printed.
+    "the status line": """
+        status F9 adds; menu Stock Summary; nostatus F9; keys ctrl+Tab; in Sales; focus C/D; status F9 adds
+        type c; field Invoice No :=2; keys shift+Tab shift+Tab; focus Invoice No :; keys ctrl+a; type 1; keys Return
+        field Total Amount=40; keys alt+p; printed Invoice No : 1; status Printed Sales invoice 1: 12 lines; nobox""",
+
     # Typed ahead of the screen: each key acts as it would have had it come after the screen.
     "a credit line typed ahead": """
         fast d r a m e Down Return p a Down Return 3 F9; box balance counted=Return; box Party transcation completed=Return
