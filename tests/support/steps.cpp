@@ -71,10 +71,6 @@ bool shows(QWidget *root, const QString &name)
 
 void StepDesk::run(const QString &steps)
 {
-    if (!m_marked) {
-        m_before = snapshot();
-        m_marked = true;
-    }
     QStringList lines;
     for (const QString &row : steps.split(QLatin1Char('\n')))
         for (const QString &raw : row.split(QStringLiteral("; ")))

@@ -44,6 +44,7 @@ struct StepDesk {
     {
         window.show();
         QApplication::setActiveWindow(&window);
+        m_before = snapshot();
     }
     TestShop shop{TestShop::Filled};
     MainWindow window{shop.services()};
@@ -66,7 +67,6 @@ private:
     int m_said = 0;
     Snapshot m_before;
     MainWindow *m_window = &window; // the window the steps act in
-    bool m_marked = false;
 };
 
 } // namespace vantrel::test
