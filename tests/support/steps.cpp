@@ -174,6 +174,29 @@ QString StepDesk::exported(Grid *grid, const QStringList &kinds)
     return same ? QString() : "exported: " + QString::fromUtf8(reader.readAllStandardError()).trimmed();
 }
 
+QString StepDesk::randomAction(QRandomGenerator &random, const QStringList &parties, const QStringList &codes)
+{
+    const auto any = [&random](const auto &from) { return from.value(int(random.bounded(quint32(from.size())))); };
+    const QStringList quantities = {"1", "2.5", "0.75", "3", "1.5"}, modes = {"C", "D"};
+    const auto line = [&] { return "; add " + any(codes) + " " + any(quantities); };
+    const auto close = [&](const char *entry, const char *table, const char *number) {
+        const QStringList document = any(shop.rows(QStringLiteral("select trans, %1 from %2").arg(QLatin1String(number), QLatin1String(table))));
+        return document.isEmpty() ? QString() : QStringLiteral("reopen %1 %2; yes; click %3").arg(entry, document.join(' '), any(QStringList{"C&ancel", "&End Inventory"}));
+    };
+    switch (random.bounded(5)) {
+    case 0:
+        return "start sale " + any(modes) + " " + any(parties) + line() + line();
+    case 1:
+        return "start pur " + any(modes) + " " + any(parties) + line() + " 40";
+    case 2:
+        return close("sale", "salesmain", "invoice");
+    case 3:
+        return close("pur", "purchasemain", "pono");
+    default:
+        return "open rcpt; set Account=" + any(parties) + "; set Name Of Account=CASH; set Amount=" + any(quantities) + "0; click &Save";
+    }
+}
+
 StepDesk::Snapshot StepDesk::snapshot()
 {
     Snapshot tables;

@@ -6,6 +6,7 @@
 
 #include <QApplication>
 #include <QHash>
+#include <QRandomGenerator>
 
 namespace vantrel {
 class Grid;
@@ -40,20 +41,26 @@ using Rows = QList<QStringList>;
 //            or the start; every table not named is unchanged)
 struct StepDesk {
     // The operator's desk: the shared shop and the main window, shown and active, no screen open.
-    StepDesk()
-    {
-        window.show();
-        QApplication::setActiveWindow(&window);
-        m_before = snapshot();
-    }
-    TestShop shop{TestShop::Filled};
+    StepDesk() : shop(TestShop::Filled) { show(); }
+    explicit StepDesk(const QString &directory) : shop(directory) { show(); }
+    TestShop shop;
     MainWindow window{shop.services()};
 
     void run(const QString &steps);
     // The screen opened last.
     QWidget *screen() const { return m_screen; }
+    // An action of the operator's picked at random, as steps: a sale (cash or credit) of two
+    // lines or a purchase of one, of CODES for one of PARTIES, a receipt, or a document of the
+    // file settled or cancelled.
+    QString randomAction(QRandomGenerator &random, const QStringList &parties, const QStringList &codes);
 
 private:
+    void show()
+    {
+        window.show();
+        QApplication::setActiveWindow(&window);
+        m_before = snapshot();
+    }
     using Snapshot = QHash<QString, QHash<qint64, QString>>;
     Snapshot snapshot();
     void step(const QString &verb, const QString &argument);

@@ -33,6 +33,7 @@ public:
     QStringList shown;
     QList<bool> answers;
     QList<int> choices;
+    bool answerYes = false; // every question nobody scripted answered Yes, as a worker at random work
 };
 
 // The message of the UnhandledError that ACTION throws, or "(no error)".
@@ -52,9 +53,11 @@ class TestShop {
 public:
     enum Start { Empty, Filled };
     explicit TestShop(Start start = Empty);
+    // The shop in DIRECTORY as it is: another process's, at which a worker is set.
+    explicit TestShop(const QString &directory);
     ~TestShop();
 
-    QString directory() const { return m_dir.path(); }
+    QString directory() const { return m_path; }
     Database &db() { return *m_db; }
     Services &services() { return *m_services; }
 
@@ -68,7 +71,10 @@ public:
     QStringList unhandledErrors;
 
 private:
-    QTemporaryDir m_dir;
+    void open();
+
+    std::unique_ptr<QTemporaryDir> m_dir;
+    QString m_path;
     std::unique_ptr<Database> m_db;
     std::unique_ptr<Services> m_services;
 };
