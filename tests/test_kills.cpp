@@ -6,7 +6,7 @@
 // exactly what the last completed one left (what a cut one leaves is the check's business).
 // Then the next worker carries on, as the operator does after a crash.
 //
-//   test_kills --kills N | --together N | --closes N     the tests (the soak runs more of each)
+//   test_kills --kills N | --together N | --closes N [--seed S]    the tests (the soak runs more)
 //   test_kills --worker DIR SEED | --close DIR           started by the tests
 #include "care/shopcheck.h"
 #include "care/sqlitefile.h"
@@ -233,7 +233,7 @@ int main(int argc, char **argv)
     QApplication app(argc, argv);
     const QStringList args = app.arguments();
     const QString command = args.value(1), self = app.applicationFilePath();
-    const quint32 seed = QRandomGenerator::global()->generate();
+    const quint32 seed = args.contains("--seed") ? args.value(args.indexOf("--seed") + 1).toUInt() : QRandomGenerator::global()->generate();
     QRandomGenerator random(seed);
     try {
         if (command == QLatin1String("--worker"))
