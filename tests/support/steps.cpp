@@ -280,12 +280,7 @@ void StepDesk::step(const QString &verb, const QString &argument)
         shop.exec(argument);
     } else if (verb == "fails") {
         const QString sql = argument.section(" => ", 0, 0);
-        QString message = QStringLiteral("(no error)");
-        try {
-            sql.startsWith(QLatin1String("select")) ? (void)shop.db().query(sql) : shop.db().execute(sql);
-        } catch (const UnhandledError &error) {
-            message = error.message();
-        }
+        const QString message = errorOf([&] { sql.startsWith(QLatin1String("select")) ? (void)shop.db().query(sql) : shop.db().execute(sql); });
         failure = same(sql, message, argument.section(" => ", 1));
     } else if (verb == "shell") {
         QProcess shell;
