@@ -207,7 +207,7 @@ StepDesk::Snapshot StepDesk::snapshot()
 }
 
 #define CHECK(condition, message) \
-    if (!(condition)) return QTest::qFail(qPrintable(message), __FILE__, __LINE__)
+    do { if (!(condition)) return QTest::qFail(qPrintable(message), __FILE__, __LINE__); } while (false)
 
 void StepDesk::step(const QString &verb, const QString &argument)
 {
@@ -234,7 +234,8 @@ void StepDesk::step(const QString &verb, const QString &argument)
         step("type", "C/D=" + word.value(1));
         if (verb == "start" && word.size() > 2)
             step("pick", "Party:=" + word[2] + '>' + (shows(m_screen, "party list") ? "party list" : "party grid"));
-        if (QLineEdit *number = m_screen->findChild<QLineEdit *>("txtpono"); verb == "reopen") {
+        if (verb == "reopen") {
+            QLineEdit *number = m_screen->findChild<QLineEdit *>("txtpono");
             number->clear();
             QTest::keyClicks(number, word.value(2));
             QTest::keyClick(number, Qt::Key_Return);
@@ -308,17 +309,17 @@ void StepDesk::step(const QString &verb, const QString &argument)
     } else if (verb == "setting") {
         QSettings().setValue(name, value);
     } else if (verb == "pdftext") {
-        QProcess text;
-        text.start(QStringLiteral("pdftotext"), {QStringLiteral("-layout"), shop.directory() + "/exports/" + argument, QStringLiteral("-")});
-        text.waitForFinished(30000);
-        const auto lines = [](const QString &text) { // the reader puts its own blanks between words
+        QProcess reader;
+        reader.start(QStringLiteral("pdftotext"), {QStringLiteral("-layout"), shop.directory() + "/exports/" + argument, QStringLiteral("-")});
+        reader.waitForFinished(30000);
+        const auto linesOf = [](const QString &text) { // the reader puts its own blanks between words
             QStringList lines;
             for (const QString &line : text.split(QRegularExpression("\\r?\\n|\\f")))
                 lines << line.simplified();
             lines.removeAll(QString());
             return lines.join(" | ");
         };
-        failure = same("the PDF's text", lines(QString::fromUtf8(text.readAllStandardOutput())), lines(printout()));
+        failure = same("the PDF's text", linesOf(QString::fromUtf8(reader.readAllStandardOutput())), linesOf(printout()));
     } else if (verb == "saved") {
         QFile saved(shop.directory() + "/exports/" + argument);
         failure = same(argument, saved.open(QIODevice::ReadOnly) ? QString::fromUtf8(saved.readAll()) : QStringLiteral("(no file)"), printout());

@@ -30,7 +30,8 @@ MENUS = {"File": "Receipt|Ledger", "Transaction": "Sales|Purchase|Product master
          "Purchase Report": "Day Book>Purchase Day Book|DateWise Purchase Report>Purchase Datewise Report|Partywise Purchase Report",
          "Stock": "Stock Summary>Stock",
          "Tools": "Close Year...>|Past Year...>|Edit Log|Export to Excel>|Export to CSV>|Last Printout|Settings...>Settings"}
-ENTRIES = [(menu, e.split(">")[0], (e + ">" + e).split(">")[1] or None) for menu, entries in MENUS.items() for e in entries.split("|")]
+ENTRIES = [(menu, entry, (caption or None) if sep else entry)
+           for menu, entries in MENUS.items() for entry, sep, caption in (e.partition(">") for e in entries.split("|"))]
 
 
 class Failure(Exception):
