@@ -16,9 +16,6 @@ using namespace vantrel;
 
 namespace {
 
-const QStringList Tables = {"companymaster", "productmaster", "suppliermaster", "salesmain", "sales",
-                            "purchasemain",  "purchase",      "stock",          "ledger"};
-
 const QStringList BadInputs = {"'", QString(10000, QLatin1Char('W')), "\u0926\u0935\u093e \u20b9", "   ", "-", "",
                                "1e308", "1,000.50", "x'; delete from sales; --"};
 
@@ -55,14 +52,6 @@ QList<QLineEdit *> typedFields(QWidget *screen)
     return fields;
 }
 
-QMap<QString, test::Rows> tables(test::TestShop &shop)
-{
-    QMap<QString, test::Rows> all;
-    for (const QString &table : Tables)
-        all[table] = shop.rows("select * from " + table);
-    return all;
-}
-
 } // namespace
 
 class TestBadInput : public QObject {
@@ -76,7 +65,7 @@ private slots:
             for (int f = 0; f < fieldCount; ++f) {
                 for (const QString &input : BadInputs) {
                     test::StepDesk d;
-                    const QMap<QString, test::Rows> before = tables(d.shop);
+                    const test::StepDesk::Snapshot before = d.snapshot();
                     d.run(screen.fill);
                     QLineEdit *target = typedFields(d.screen()).value(f);
                     fieldCount = int(typedFields(d.screen()).size());
@@ -87,15 +76,17 @@ private slots:
                     target->setFocus();
                     target->setText(input);
                     QTest::keyClick(target, Qt::Key_End);
+                    d.mayEnd = true;
                     if (d.shop.unhandledErrors.isEmpty())
-                        test::click(d.screen(), screen.save);
+                        d.run(QStringLiteral("click ") + screen.save);
                     ended += d.shop.unhandledErrors.isEmpty() ? 0 : 1;
 
                     for (const QString &error : d.shop.unhandledErrors)
                         QVERIFY2(!error.contains("std::") && !error.contains("basic_string") && !error.isEmpty(), qPrintable(where + ": " + error));
-                    const QMap<QString, test::Rows> after = tables(d.shop);
-                    for (const QString &table : Tables) {
-                        QVERIFY2(after[table].size() >= before[table].size(), qPrintable(where + ": rows gone from " + table));
+                    const test::StepDesk::Snapshot after = d.snapshot();
+                    for (const QString &table : after.keys()) {
+                        for (const qint64 rowid : before[table].keys())
+                            QVERIFY2(after[table].contains(rowid), qPrintable(where + ": a row gone from " + table));
                         QVERIFY2(screen.writes.contains(table) || after[table] == before[table], qPrintable(where + ": wrote " + table));
                         for (const QStringList &row : after[table])
                             for (const QString &value : row)

@@ -11,12 +11,6 @@ using namespace vantrel;
 class GridTest : public QObject {
     Q_OBJECT
 
-    void fillNumbers(test::TestShop &shop, int count)
-    {
-        shop.exec(QStringLiteral("with recursive n(i) as (select 1 union all select i+1 from n where i<%1) "
-                                 "insert into salesmain(invoice,dat,trans) select i,'11/23/2026','C' from n").arg(count));
-    }
-
 private slots:
     // Every cell reads as the screens read the same value through a recordset: nothing for a
     // null, whole numbers, reals in their shortest text, texts in any script, on the first
@@ -66,30 +60,18 @@ private slots:
         QCOMPARE(alignments("select refno, type from ledger", 0), QStringLiteral("-RL"));
     }
 
-    // Large results load lazily, idle time reads the rest, and a walk sees every row.
-    void largeResultsLoadLazilyButWalksSeeEveryRow()
+    // Large results load lazily, idle time reads the rest, and a walk sees every row. A grid
+    // still reading shows the file as it was at its bind, however much is written meanwhile; the
+    // writes are on disk at once, and a grid bound after them shows them. A row that fails when
+    // it is read, late, is reported by the walk and by the idle reading alike.
+    void largeResultsReadLazilyAsTheFileWasWhenBound()
     {
         test::TestShop shop;
-        fillNumbers(shop, 5000);
-        Grid grid(QStringLiteral("lines grid")), idle(QStringLiteral("lines grid"));
-        grid.bind(shop.db(), "select invoice from salesmain order by invoice");
-        QVERIFY(grid.model()->rowCount() < 5000);
-        QCOMPARE(grid.text(4321, 0), QStringLiteral("4321"));
-        QCOMPARE(grid.rows(), 5001);
-        QCOMPARE(grid.text(5000, 0), QStringLiteral("5000"));
-        idle.bind(shop.db(), "select invoice from salesmain");
-        QTRY_COMPARE(idle.model()->rowCount(), 5000);
-    }
-
-    // A grid still reading shows the file as it was at its bind, however much is written
-    // meanwhile; the writes are on disk at once, and a grid bound after them shows them.
-    void aGridShowsTheFileAsItWasWhenBound()
-    {
-        test::TestShop shop;
-        fillNumbers(shop, 5000);
-        Grid before(QStringLiteral("lines grid"));
-        before.bind(shop.db(), "select invoice from salesmain");
+        shop.exec("with recursive n(i) as (select 1 union all select i+1 from n where i<5000) insert into salesmain(invoice,dat,trans) select i,'11/23/2026','C' from n");
+        Grid before(QStringLiteral("lines grid")), idle(QStringLiteral("lines grid"));
+        before.bind(shop.db(), "select invoice from salesmain order by invoice");
         QVERIFY(before.model()->rowCount() < 5000);
+        QCOMPARE(before.text(1234, 0), QStringLiteral("1234"));
         shop.exec("insert into salesmain(invoice,dat) values(9999,'11/23/2026')");
         shop.exec("delete from salesmain where invoice=4000");
         // A total read alongside the rows still to fetch counts what they count.
@@ -105,21 +87,16 @@ private slots:
         // Read to its end, the grid has given its connection back: the file as it is now.
         QCOMPARE(before.queryAlongside(total).number("n"), 5000.0);
         QCOMPARE(before.queryAlongside(total).number("s"), 5000.0 * 5001 / 2 - 4000 + 9999);
-    }
+        idle.bind(shop.db(), "select invoice from salesmain");
+        QTRY_COMPARE(idle.model()->rowCount(), 5000);
 
-    void aRowThatFailsLaterIsReported()
-    {
-        test::TestShop shop;
-        fillNumbers(shop, 3000);
         shop.exec("update salesmain set dat='NOT A DATE' where invoice=2500");
-        const QString query = "select invoice from salesmain where format(cdate(dat),'MM/DD/YYYY')>='01/01/2026'";
-        Grid walked(QStringLiteral("register grid"));
-        walked.bind(shop.db(), query);
+        const QString failing = "select invoice from salesmain where format(cdate(dat),'MM/DD/YYYY')>='01/01/2026'";
+        Grid walked(QStringLiteral("register grid")), read(QStringLiteral("register grid"));
+        walked.bind(shop.db(), failing);
         QCOMPARE(test::errorOf([&] { walked.rows(); }), QStringLiteral("Data type mismatch in criteria expression."));
-
-        Grid idle(QStringLiteral("register grid"));
-        QSignalSpy readFailed(&idle, &Grid::readFailed);
-        idle.bind(shop.db(), query);
+        QSignalSpy readFailed(&read, &Grid::readFailed);
+        read.bind(shop.db(), failing);
         QTRY_COMPARE(readFailed.size(), 1);
         QCOMPARE(readFailed.at(0).at(0).toString(), QStringLiteral("Data type mismatch in criteria expression."));
     }

@@ -1,7 +1,7 @@
 // Start-up, the main window's menu and screens, activation, and what ends the start or a print.
 #include "app/mainwindow.h"
 #include "app/program.h"
-#include "support/ui.h"
+#include <QPushButton>
 #include "support/testshop.h"
 #include "widgets/lineprinter.h"
 #include "widgets/screen.h"

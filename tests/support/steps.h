@@ -2,7 +2,6 @@
 
 #include "app/mainwindow.h"
 #include "support/testshop.h"
-#include "support/ui.h"
 
 #include <QApplication>
 #include <QHash>
@@ -31,8 +30,9 @@ using Rows = QList<QStringList>;
 //            list GRID=a,b | c,d (every data row, any order) | top GRID=a,b (the first rows in
 //            order, "*" any cell) | width GRID=HEADING=TWIPS | focused TARGET | enabled/shown
 //            TARGET=yes|no | said M1 | M2 (the messages since the last said; "..." any text) |
-//            sql QUERY => a,b | c,d | fails SQL => MESSAGE | shell SQL => OUTPUT (the sqlite3
-//            shell) | check F1 | F2 (the full check's findings, then its notes) | printed L1 | L2
+//            sql QUERY => a,b | c,d | fails SQL => MESSAGE | same FAST => STATED (a statement the
+//            engine runs in a faster form gives the names, types, rows or error of one that it runs
+//            as it stands) | shell SQL => OUTPUT (the sqlite3 shell) | check F1 | F2 (the full check's findings, then its notes) | printed L1 | L2
 //            | line N=TEXT (of the printout) | status TEXT | ended MESSAGE (the program ended so,
 //            and goes on here) | pdftext FILE / saved FILE (exports/FILE is the printout) |
 //            queued (the printout reached the queue raw) | exports GRID=K,K (to a workbook and a
@@ -47,12 +47,19 @@ struct StepDesk {
     MainWindow window{shop.services()};
 
     void run(const QString &steps);
+    // Whether an action may end the program: the rest of the steps are then not taken, and the
+    // case goes on. Otherwise an end must be the next step's "ended".
+    bool mayEnd = false;
     // The screen opened last.
     QWidget *screen() const { return m_screen; }
     // An action of the operator's picked at random, as steps: a sale (cash or credit) of two
     // lines or a purchase of one, of CODES for one of PARTIES, a receipt, or a document of the
     // file settled or cancelled.
     QString randomAction(QRandomGenerator &random, const QStringList &parties, const QStringList &codes);
+
+    // Every row of the shop's tables by table and rowid, its fields joined.
+    using Snapshot = QHash<QString, QHash<qint64, QStringList>>;
+    Snapshot snapshot();
 
 private:
     void show()
@@ -61,13 +68,15 @@ private:
         QApplication::setActiveWindow(&window);
         m_before = snapshot();
     }
-    using Snapshot = QHash<QString, QHash<qint64, QString>>;
-    Snapshot snapshot();
     void step(const QString &verb, const QString &argument);
+    // The widget of the screen opened last (or of the window): a button by its caption, any
+    // other by its accessible name. None ends the case.
     QWidget *target(const QString &name);
+    template <typename W> W *as(const QString &name) { return qobject_cast<W *>(target(name)); }
     // The printer file's text.
     QString printout() const;
     QString exported(Grid *grid, const QStringList &kinds);
+    QString described(const QString &sql);
     QString m_queueOutput;
 
     QWidget *m_screen = nullptr;

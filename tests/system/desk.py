@@ -125,13 +125,6 @@ class Program:
         """Presses and releases each key in turn, as a person would ("Return", "alt+a", "F10")."""
         subprocess.run(["xdotool", "key", "--delay", "120"] + list(names), check=True)
 
-    def hold(self, key, seconds=0.1):
-        """Presses KEY, holds it SECONDS, then releases it: a person's keystroke, whose release
-        comes after whatever the press brought up."""
-        subprocess.run(["xdotool", "keydown", key], check=True)
-        time.sleep(seconds)
-        subprocess.run(["xdotool", "keyup", key], check=True)
-
     def choose_from_menu(self, entry, menu=None):
         """Opens the menu entry ENTRY (of MENU, where two menus have one) with F10, arrows and
         Enter, and returns the caption of the screen it opens."""
@@ -140,9 +133,6 @@ class Program:
         self.keys("F10", *["Right"] * list(MENUS).index(menu))
         self.keys(*["Down"] * index, "Return")
         return caption
-
-    def type(self, text):
-        subprocess.run(["xdotool", "type", "--delay", "120", text], check=True)
 
     # --- what the screens show ----------------------------------------------------------------
 
@@ -165,13 +155,9 @@ class Program:
     def text(self, label, scope=None):
         return self.widget(label, "text", scope).queryText().getText(0, -1)
 
-    def enabled(self, caption, scope=None):
-        self.app.clear_cache()
-        return self.widget(caption, "push button", scope).getState().contains(pyatspi.STATE_SENSITIVE)
-
-    def showing(self, name, role="table", scope=None):
-        self.app.clear_cache()
-        return self.widget(name, role, scope).getState().contains(pyatspi.STATE_SHOWING)
+    def showing(self, name, role="table", scope=None, state=pyatspi.STATE_SHOWING):
+        self.app.clear_cache()  # states are cached and not every change is announced
+        return self.widget(name, role, scope).getState().contains(state)
 
     def screen_area(self):
         """The main window's area for screens (the pane that holds them)."""
@@ -208,17 +194,6 @@ class Program:
         box = self._box_window()
         return next((acc.name for acc in walk(box) if acc.getRoleName() == "label" and acc.name), None) if box else None
 
-    def answer(self, expected, *keys):
-        """Waits for the message box EXPECTED, answers it with KEYS, and waits for it to go (the
-        next box may already be up then)."""
-        box = wait_for("the message box %r" % expected, self._box_window)
-        shown = wait_for("the message box's text", self.message_box)
-        if expected.endswith("..."):  # a box whose text begins so
-            shown = shown[:len(expected) - 3] + "..."
-        equal(shown, expected, "message box")
-        self.keys(*keys)
-        wait_for("the message box %r to close" % expected, lambda: self._box_window() != box)
-
     def _box_window(self):
         return next((window for window in map(self.app.getChildAtIndex, range(self.app.childCount)) if window is not None
                      and window.getRoleName() in ("dialog", "alert") and window.getState().contains(pyatspi.STATE_SHOWING)), None)
@@ -236,15 +211,6 @@ class Program:
                              shell=True, capture_output=True, text=True, check=True).stdout
         colour = out.splitlines()[1].split("#")[1][:6]  # a heading, then "0,0: (r,g,b)  #RRGGBB  name"
         return tuple(int(colour[i:i + 2], 16) for i in (0, 2, 4))
-
-    def no_message_box(self, after, watch=1.0):
-        """Watches for WATCH seconds: a box that comes up at any moment of it, late ones too,
-        fails the check."""
-        end = time.monotonic() + watch
-        while time.monotonic() < end:
-            shown = self.message_box()
-            check(shown is None, "a message box %r appeared after %s" % (shown, after))
-            time.sleep(0.05)
 
     # --- cases as steps -----------------------------------------------------------------------
 
@@ -272,9 +238,11 @@ class Program:
             elif verb == "fast":  # typed ahead of the screen, as a scanner types
                 subprocess.run(["xdotool", "key", "--delay", "0"] + arg.split(), check=True)
             elif verb == "type":
-                self.type(arg)
-            elif verb == "hold":
-                self.hold(arg)
+                subprocess.run(["xdotool", "type", "--delay", "120", arg], check=True)
+            elif verb == "hold":  # a person's keystroke: its release comes after what the press brought up
+                subprocess.run(["xdotool", "keydown", arg], check=True)
+                time.sleep(0.1)
+                subprocess.run(["xdotool", "keyup", arg], check=True)
             elif verb in ("tab", "backtab"):
                 self.tab_to(arg, "Tab" if verb == "tab" else "shift+Tab")
             elif verb == "field":
@@ -286,11 +254,18 @@ class Program:
             elif verb in ("list", "nolist"):
                 wait_for(step, lambda: self.showing(arg, scope=self.scope) == (verb == "list"))
             elif verb in ("enabled", "disabled"):
-                equal(self.enabled(arg, self.scope), verb == "enabled", arg + " enabled")
-            elif verb == "box":
-                self.answer(name, *value.split())
-            elif verb == "nobox":
-                self.no_message_box("the step before")
+                equal(self.showing(arg, "push button", self.scope, pyatspi.STATE_SENSITIVE), verb == "enabled", arg + " enabled")
+            elif verb == "box":  # the box NAME (or one that begins so, NAME ending in "..."), answered with keys; it must go
+                box = wait_for("the message box %r" % name, self._box_window)
+                shown = wait_for("the message box's text", self.message_box)
+                equal(shown[:len(name) - 3] + "..." if name.endswith("...") else shown, name, "message box")
+                self.keys(*value.split())
+                wait_for("the message box %r to close" % name, lambda: self._box_window() != box)
+            elif verb == "nobox":  # watched for a second: a box that comes late fails too
+                end = time.monotonic() + 1.0
+                while time.monotonic() < end:
+                    check(self.message_box() is None, "a message box %r appeared after the step before" % self.message_box())
+                    time.sleep(0.05)
             elif verb == "sql":
                 query, _, rows = arg.partition(" => ")
                 expected = [tuple(row.strip().split(",")) for row in rows.split(" | ")] if rows.strip() else []
@@ -298,7 +273,8 @@ class Program:
             elif verb in ("status", "nostatus"):
                 wait_for("%s on the status line (%r)" % (arg, self.status_line()), lambda: (arg in self.status_line()) == (verb == "status"))
             elif verb == "printed":
-                wait_for("%r in the printout" % arg, lambda: arg in (self.printed() or ""))
+                printer = os.path.join(self.dir, "LPT1")
+                wait_for("%r in the printout" % arg, lambda: arg in open(printer, "rb").read().decode())
             else:
                 raise Failure("a step the desk does not know: " + step)
 
@@ -323,10 +299,6 @@ class Program:
         with sqlite3.connect(self.db_path) as db:
             return [tuple("" if v is None else (str(int(v)) if isinstance(v, float) and v == int(v) else str(v)) for v in row)
                     for row in db.execute(sql)]
-
-    def printed(self):
-        path = os.path.join(self.dir, "LPT1")
-        return open(path, "rb").read().decode() if os.path.exists(path) else None
 
 
 def run(cases):

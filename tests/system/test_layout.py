@@ -101,7 +101,7 @@ def no_field_moves_when_a_list_opens(program_dir):
 def a_grid_with_the_keyboard_looks_it(program_dir):
     p = Program(program_dir, SHOP)
     sales = p.sales
-    p.type("dr")
+    p.run("type dr")
     wait_for("the party list", lambda: p.showing("party list", scope=sales))
     x, y, w, h = extents(p.widget("party list", "table", sales))
     without = p.pixel(x, y + h // 2)
