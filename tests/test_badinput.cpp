@@ -6,11 +6,9 @@
 // table written that the action does not write, a quote stored (every value is spliced, so a
 // stored quote means a statement was not what it says), a number column holding a text or an
 // infinity, or an error that is not the database's or the system's own.
-#include "care/shopcheck.h"
 #include "support/steps.h"
 
 #include <QAbstractSpinBox>
-#include <QDir>
 
 using namespace vantrel;
 
@@ -93,7 +91,7 @@ private slots:
                                 QVERIFY2(!value.contains(QLatin1Char('\'')) && value != "inf" && value != "-inf",
                                          qPrintable(where + ": " + table + " holds " + value.left(40)));
                     }
-                    const CheckReport report = checkShopFile(QDir(d.shop.directory()).filePath("vantrel.accdb"), CheckDepth::Full);
+                    const CheckReport report = checkShopFile(d.shop.file(), CheckDepth::Full);
                     QVERIFY2(report.damage.isEmpty(), qPrintable(where + ": " + report.text()));
                     for (const Finding &finding : report.traces)
                         QVERIFY2(finding.kind != QLatin1String("A number that is not a number"), qPrintable(where + ": " + report.text()));

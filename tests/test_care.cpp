@@ -1,18 +1,9 @@
-// Looking after the shop file: the check finds what an action cut off between two statements
-// leaves behind (the screens driven for real, the cut made where a crash could fall), the
-// quick check reads the newest rows, backups are checked copies taken while the program writes,
-// pruned by age and restored with the current file saved aside.
+// Looking after the shop file: the check, backups and their pruning and restore.
 #include "care/backups.h"
-#include "care/shopcheck.h"
-#include "care/sqlitefile.h"
-#include "data/unhandlederror.h"
 #include "support/steps.h"
 
-#include <QDir>
-#include <QFile>
 #include <QFileInfo>
 #include <QRandomGenerator>
-#include <QTemporaryDir>
 
 using namespace vantrel;
 
@@ -28,8 +19,7 @@ QStringList kinds(const CheckReport &report)
     return found;
 }
 
-QString shopFile(test::TestShop &shop) { return QDir(shop.directory()).filePath(QStringLiteral("vantrel.accdb")); }
-CheckReport check(test::TestShop &shop, CheckDepth depth = CheckDepth::Full) { return checkShopFile(shopFile(shop), depth); }
+CheckReport check(test::TestShop &shop, CheckDepth depth = CheckDepth::Full) { return checkShopFile(shop.file(), depth); }
 
 // The shared shop at the desk. Each write sent to the file is counted; with a cut set, the
 // statement after the cut-th write fails before it reaches the file, as if the program had died
@@ -64,16 +54,14 @@ struct CutAction {
 };
 
 const CutAction CutActions[] = {
-    // the line, the stock, then the invoice
-    {"", "start sale C RAME; add 8901 2", {{NoInvoice}, {NoInvoice}}},
-    // the line, the payment, its balance, the stock, then the invoice's total
+    {"", "start sale C RAME; add 8901 2", {{NoInvoice}, {NoInvoice}}}, // the line, the stock, the invoice
+    // the line, the payment, its balance, the stock, the invoice's total
     {"start sale D RAME; add 8901 2", "add 8902 2", {{SaleTotal}, {NoBalance, SaleTotal}, {SaleTotal}, {SaleTotal}}},
-    // each line's stock comes back (which leaves nothing to see), the lines go, then the invoice
+    // each line's stock back (which leaves nothing to see), the lines, the invoice
     {"start sale C RAME; add 8901 2; add 8902 2", "yes; click C&ancel", {{}, {}, {"A sales invoice without lines"}}},
-    // the line, the new stock row, its stock, then the voucher
+    // the line, the new stock row, its stock, the voucher
     {"", "start pur C RAME; add 8903 5 40", {{NoVoucher}, {"A stock row without its stock", NoVoucher}, {NoVoucher}}},
-    // the entry, then its balance
-    {"", "open rcpt; set Account=RAM; set Name Of Account=RAVI MEDICALS; set Amount=100; click &Save", {{NoBalance}}},
+    {"", "open rcpt; set Account=RAM; set Name Of Account=RAVI MEDICALS; set Amount=100; click &Save", {{NoBalance}}}, // the entry, its balance
 };
 
 // A file of COUNT cash invoices of one line each, all sound, numbered from FIRST.
@@ -98,9 +86,8 @@ class TestCare : public QObject {
     Q_OBJECT
 
 private slots:
-    // Every cut between two statements of these actions, and the whole action: a completed
-    // action leaves nothing to report, and each cut leaves exactly the traces tabled above,
-    // for the full and the quick check alike.
+    // Every cut of these actions leaves exactly the traces tabled above, for the full and the
+    // quick check alike; the whole action leaves none.
     void theCheckFindsWhatACutActionLeaves()
     {
         for (const CutAction &step : CutActions) {
@@ -131,8 +118,6 @@ private slots:
                  qPrintable(text));
     }
 
-    // Completed actions in a random order, fractional quantities, both modes, cancels and
-    // settles of earlier documents, receipts: the check finds nothing after any of them.
     void theCheckFindsNothingAfterCompletedActions()
     {
         CareDesk d;
@@ -152,7 +137,7 @@ private slots:
     void aFullDiskEndsTheActionNotTheFile()
     {
         CareDesk d;
-        const int pages = int(SqliteFile(shopFile(d.shop), SqliteFile::Access::ReadOnly).number("pragma page_count"));
+        const int pages = int(SqliteFile(d.shop.file(), SqliteFile::Access::ReadOnly).number("pragma page_count"));
         d.shop.exec(QStringLiteral("pragma max_page_count = %1").arg(pages + 2));
         d.mayEnd = true;
         int completed = 0; // sales, the one the disk ended not counted
@@ -177,7 +162,7 @@ private slots:
     void aLockHeldPastTheBusyTimeEndsTheAction()
     {
         CareDesk d;
-        SqliteFile other(shopFile(d.shop), SqliteFile::Access::ReadWrite);
+        SqliteFile other(d.shop.file(), SqliteFile::Access::ReadWrite);
         other.execute("begin immediate");
         d.run("start sale C RAME; add 8901 2; ended database is locked");
         other.execute("rollback");
@@ -212,8 +197,8 @@ private slots:
     {
         test::TestShop shop(test::TestShop::Filled);
         QTemporaryDir folder;
-        Backups backups(shopFile(shop), folder.filePath("backups"));
-        SqliteFile other(shopFile(shop), SqliteFile::Access::ReadWrite);
+        Backups backups(shop.file(), folder.filePath("backups"));
+        SqliteFile other(shop.file(), SqliteFile::Access::ReadWrite);
         other.execute("begin immediate");
         other.execute("insert into salesmain(invoice,trans,netamt) values(51,'C',10)");
         const QString path = backups.take(QDateTime(QDate(2026, 11, 23), QTime(9, 30, 5)));
@@ -233,7 +218,7 @@ private slots:
         shop.exec("insert into salesmain(invoice,trans,netamt) values(53,'C',1)");
         QCOMPARE(shop.rows("select sum(netamt) from salesmain").first().first(), "133.5");
         QCOMPARE(SqliteFile(aside, SqliteFile::Access::ReadOnly).number("select sum(netamt) from salesmain"), 142.5);
-        QCOMPARE(Backups::verify(shopFile(shop)), QStringList{"ok"});
+        QCOMPARE(Backups::verify(shop.file()), QStringList{"ok"});
         damage(path, 4096, -1, '\x33');
         QVERIFY_THROWS_EXCEPTION(UnhandledError, backups.restore(path, QDateTime(QDate(2026, 11, 23), QTime(11, 0))));
         QCOMPARE(shop.rows("select sum(netamt) from salesmain").first().first(), "133.5");

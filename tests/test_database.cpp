@@ -1,17 +1,10 @@
 // The database file: opening and its failures, and the values read and written: number texts,
 // 16-bit conversion, the short date. (What the engine makes of the system's statements, and its
 // faster forms of some, is in tests/cases/database.txt.)
-#include "data/connectionstring.h"
-#include "data/database.h"
 #include "data/records.h"
 #include "data/shortdate.h"
-#include "data/schema.h"
-#include "data/unhandlederror.h"
 #include "support/testshop.h"
 
-#include <QDir>
-#include <QFile>
-#include <QTemporaryDir>
 #include <cmath>
 #include <limits>
 #include <fcntl.h>

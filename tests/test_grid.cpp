@@ -1,6 +1,5 @@
 // The grid: what its cells read and how they line up, lazy reading, and writes while a grid is
 // still reading. (Choosing from a grid is in the screens' cases.)
-#include "data/connectionstring.h"
 #include "support/testshop.h"
 #include "widgets/grid.h"
 

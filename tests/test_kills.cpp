@@ -8,16 +8,10 @@
 //
 //   test_kills --kills N | --together N | --closes N [--seed S]    the tests (the soak runs more)
 //   test_kills --worker DIR SEED | --close DIR           started by the tests
-#include "care/shopcheck.h"
-#include "care/sqlitefile.h"
-#include "data/connectionstring.h"
-#include "data/schema.h"
-#include "data/unhandlederror.h"
 #include "support/steps.h"
 #include "years/yearclose.h"
 
 #include <QCryptographicHash>
-#include <QDir>
 #include <QElapsedTimer>
 #include <QProcess>
 #include <QRandomGenerator>

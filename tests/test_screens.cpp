@@ -3,7 +3,6 @@
 // of steps in tests/cases/*.txt, each under a line "== its name".
 #include "support/steps.h"
 
-#include <QDir>
 #include <QRegularExpression>
 
 class ScreensTest : public QObject {

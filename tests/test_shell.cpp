@@ -9,7 +9,6 @@
 #include <QAbstractItemView>
 #include <QAbstractSpinBox>
 #include <QComboBox>
-#include <QDir>
 #include <QLabel>
 #include <QMdiArea>
 #include <QMdiSubWindow>
@@ -127,7 +126,7 @@ private slots:
     void aMissingDatabaseOrPrinterEndsWithAMessage()
     {
         test::TestShop shop;
-        QVERIFY(QFile::remove(shop.directory() + "/vantrel.accdb") && QDir(shop.directory()).mkdir("LPT1"));
+        QVERIFY(QFile::remove(shop.file()) && QDir(shop.directory()).mkdir("LPT1"));
         const int windowsBefore = int(QApplication::topLevelWidgets().size());
         QCOMPARE(test::errorOf([&] { Program(shop.directory(), shop.dialogs, shop.clock, [](const QString &) {}); }),
                  QStringLiteral("Cannot open the database file %1/vantrel.accdb: unable to open database file").arg(shop.directory()));

@@ -2,21 +2,13 @@
 // checked backup first and in one transaction; a newer file is refused untouched; the start warns
 // when a 16-bit series nears its end.
 #include "care/backups.h"
-#include "care/shopcheck.h"
-#include "care/sqlitefile.h"
 #include "data/records.h"
-#include "data/schema.h"
-#include "data/unhandlederror.h"
-#include "support/testshop.h"
 #include "years/schemaupgrade.h"
 #include "years/serieswarning.h"
 #include "years/shoppresence.h"
 #include "years/yearclose.h"
 #include "support/steps.h"
 
-#include <QDir>
-#include <QFile>
-#include <QTemporaryDir>
 
 using namespace vantrel;
 
@@ -65,7 +57,7 @@ private slots:
         for (int version = 1; version <= CurrentSchemaVersion; ++version) {
             test::StepDesk d;
             test::TestShop &shop = d.shop;
-            const QString path = QDir(shop.directory()).filePath("vantrel.accdb");
+            const QString path = shop.file();
             d.run("changed");
             {
                 SqliteFile file(path, SqliteFile::Access::ReadWrite);
@@ -99,7 +91,7 @@ private slots:
     void aFailedUpgradeOrANewerFileChangesNothing()
     {
         test::TestShop shop(test::TestShop::Filled);
-        const QString path = QDir(shop.directory()).filePath("vantrel.accdb");
+        const QString path = shop.file();
         {
             SqliteFile file(path, SqliteFile::Access::ReadWrite);
             downgrade(file, 2);
@@ -128,7 +120,7 @@ private slots:
     void aCloseAtTheWallBooksPaymentOneWithTheBalanceOfBothYears()
     {
         test::StepDesk d;
-        const QString path = QDir(d.shop.directory()).filePath("vantrel.accdb");
+        const QString path = d.shop.file();
         d.run("exec update sales set status='p'; exec update purchase set status='p'; exec delete from ledger");
         d.shop.exec("with recursive n(i) as (select 1 union all select i + 1 from n where i < 32767) insert into ledger(refno,dat,ac,debit,type,balance) "
                     "select i, '11/20/2026', 'RAM', (i % 997) * 0.01 + 1, 'payment', 0 from n");
@@ -162,7 +154,7 @@ private slots:
             test::TestShop shop(test::TestShop::Filled);
             shop.exec("update sales set status='p'");
             shop.exec("update purchase set status='p'");
-            const QString path = QDir(shop.directory()).filePath("vantrel.accdb");
+            const QString path = shop.file();
             const YearClosePlan plan = planYearClose(path, FinancialYear{}, QDate(2026, 11, 24));
             QVERIFY_THROWS_EXCEPTION(UnhandledError, closeYear(path, plan, QDateTime(QDate(2026, 11, 24), QTime(18, 0)), "11/24/2026", [cutAt](int percent) {
                 if (percent == cutAt)

@@ -6,11 +6,11 @@
 #include <QComboBox>
 #include <QDateEdit>
 #include <QDeadlineTimer>
-#include <QFile>
 #include <QHeaderView>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QKeySequence>
 #include <QStatusBar>
 #include <QLabel>
 #include <QLineEdit>
@@ -22,10 +22,7 @@
 #include <QSettings>
 #include <QSqlField>
 #include <QSqlRecord>
-#include <QTemporaryDir>
 #include <QThread>
-#include "care/shopcheck.h"
-#include "data/unhandlederror.h"
 #include <algorithm>
 
 namespace vantrel::test {
@@ -35,23 +32,11 @@ namespace {
 const char *const Tables[] = {"companymaster", "productmaster", "suppliermaster", "salesmain", "sales",
                               "purchasemain", "purchase", "stock", "ledger"};
 
-Qt::Key keyNamed(const QString &name)
-{
-    static const QHash<QString, Qt::Key> keys = {{"Return", Qt::Key_Return}, {"Escape", Qt::Key_Escape}, {"Down", Qt::Key_Down},
-                                                 {"Up", Qt::Key_Up}, {"Left", Qt::Key_Left}, {"Right", Qt::Key_Right},
-                                                 {"Tab", Qt::Key_Tab}, {"F9", Qt::Key_F9}, {"Space", Qt::Key_Space}};
-    if (keys.contains(name))
-        return keys.value(name);
-    return name.size() == 1 ? Qt::Key(name.toUpper().at(0).unicode()) : Qt::Key_unknown;
-}
-
 // "a,b | c,d" as rows of cells; an empty text is no row at all.
 Rows table(const QString &text)
 {
     Rows rows;
-    if (text.trimmed().isEmpty())
-        return rows;
-    for (const QString &row : text.split(QLatin1Char('|')))
+    for (const QString &row : text.trimmed().split(QLatin1Char('|'), Qt::SkipEmptyParts))
         rows << row.trimmed().split(QLatin1Char(','));
     return rows;
 }
@@ -64,10 +49,12 @@ QString shown(const Rows &rows)
     return out.join(QStringLiteral(" | "));
 }
 
-// A step's widget that is not there.
-struct Missing {
-    QString what;
-};
+// A file's text, or WHEN_MISSING.
+QString textOf(const QString &path, const QString &whenMissing = QStringLiteral("(no file)"))
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : whenMissing;
+}
 
 // Whether a widget under ROOT bears NAME.
 bool shows(QWidget *root, const QString &name)
@@ -90,8 +77,8 @@ void StepDesk::run(const QString &steps)
         const qsizetype blank = line.indexOf(QLatin1Char(' '));
         try {
             step(blank < 0 ? line : line.left(blank), blank < 0 ? QString() : line.mid(blank + 1));
-        } catch (const Missing &missing) {
-            QTest::qFail(qPrintable(missing.what), __FILE__, __LINE__);
+        } catch (const QString &missing) { // a widget the step names is not there
+            QTest::qFail(qPrintable(missing), __FILE__, __LINE__);
         }
         // An action that ended the program is followed by the step that says so.
         const bool ended = !shop.unhandledErrors.isEmpty() && !(i + 1 < lines.size() && lines[i + 1].startsWith("ended "));
@@ -112,13 +99,12 @@ QWidget *StepDesk::target(const QString &name)
     for (QWidget *w : root->findChildren<QWidget *>())
         if (auto *b = qobject_cast<QPushButton *>(w); b ? b->text() == name : w->accessibleName() == name)
             return w;
-    throw Missing{"no widget \"" + name + "\""};
+    throw "no widget \"" + name + "\"";
 }
 
 QString StepDesk::printout() const
 {
-    QFile printed(shop.directory() + QStringLiteral("/LPT1"));
-    return printed.open(QIODevice::ReadOnly) ? QString::fromUtf8(printed.readAll()) : QStringLiteral("(nothing was printed)");
+    return textOf(shop.directory() + QStringLiteral("/LPT1"), QStringLiteral("(nothing was printed)"));
 }
 
 namespace {
@@ -294,9 +280,10 @@ void StepDesk::step(const QString &verb, const QString &argument)
     } else if (verb == "clear") {
         as<QLineEdit>(argument)->clear();
     } else if (verb == "key") {
+        const int key = QKeySequence::fromString(value)[0].key();
+        CHECK(key != Qt::Key_unknown && value.size() > 0, "no key named " + value);
         target(name)->setFocus();
-        CHECK(keyNamed(value) != Qt::Key_unknown, "no key named " + value);
-        QTest::keyClick(target(name), keyNamed(value));
+        QTest::keyClick(target(name), Qt::Key(key));
     } else if (verb == "focus") {
         target(argument)->setFocus();
     } else if (verb == "date") {
@@ -368,8 +355,7 @@ void StepDesk::step(const QString &verb, const QString &argument)
         };
         failure = same("the PDF's text", linesOf(QString::fromUtf8(reader.readAllStandardOutput())), linesOf(printout()));
     } else if (verb == "saved") {
-        QFile saved(shop.directory() + "/exports/" + argument);
-        failure = same(argument, saved.open(QIODevice::ReadOnly) ? QString::fromUtf8(saved.readAll()) : QStringLiteral("(no file)"), printout());
+        failure = same(argument, textOf(shop.directory() + "/exports/" + argument), printout());
     } else if (verb == "cups") {
         m_queueOutput = startPrintServer(argument);
         CHECK(!m_queueOutput.isEmpty(), "the print system did not start");
@@ -378,10 +364,8 @@ void StepDesk::step(const QString &verb, const QString &argument)
         QDeadlineTimer deadline(10000);
         while (out.size() < printout().toUtf8().size() && !deadline.hasExpired())
             QThread::msleep(50);
-        QFile type(m_queueOutput + QStringLiteral(".type"));
-        failure = same("what reached the queue", out.open(QIODevice::ReadOnly) ? QString::fromUtf8(out.readAll()) : QStringLiteral("(nothing)"), printout());
-        if (failure.isEmpty())
-            failure = same("its kind", type.open(QIODevice::ReadOnly) ? QString::fromUtf8(type.readAll()).trimmed() : QString(), "application/vnd.cups-raw");
+        failure = same("what reached the queue and its kind", textOf(m_queueOutput) + textOf(m_queueOutput + ".type"),
+                       printout() + "application/vnd.cups-raw\n");
     } else if (verb == "top" || verb == "list") {
         // top: the first rows in order, "*" for any cell; list: every data row, in any order.
         Grid *g = as<Grid>(name);

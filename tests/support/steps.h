@@ -3,7 +3,6 @@
 #include "app/mainwindow.h"
 #include "support/testshop.h"
 
-#include <QApplication>
 #include <QHash>
 #include <QRandomGenerator>
 

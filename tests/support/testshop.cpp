@@ -1,11 +1,6 @@
 #include "testshop.h"
 
-#include "data/connectionstring.h"
-#include "data/schema.h"
-#include "data/unhandlederror.h"
 
-#include <QDir>
-#include <QFile>
 #include <QRegularExpression>
 #include <QSettings>
 #include <QTest>
@@ -66,7 +61,7 @@ TestShop::TestShop(Start start)
             db.execute(QStringLiteral("commit"));
         }
     }
-    QFile::copy(first, m_path + QStringLiteral("/vantrel.accdb"));
+    QFile::copy(first, file());
     open();
 }
 
@@ -84,29 +79,33 @@ void TestShop::open()
 
 TestShop::~TestShop() = default;
 
+namespace {
+
+// A statement of the test's own that fails fails the test, naming the statement and the error.
+void failOn(const QString &sql, const QString &error)
+{
+    if (error != QLatin1String("(no error)"))
+        QTest::qFail(qPrintable(QStringLiteral("%1\n   failed: %2").arg(sql, error)), __FILE__, __LINE__);
+}
+
+} // namespace
+
 void TestShop::exec(const QString &sql)
 {
-    try {
-        m_db->execute(sql);
-    } catch (const UnhandledError &error) {
-        QTest::qFail(qPrintable(QStringLiteral("%1\n   failed: %2").arg(sql, error.message())), __FILE__, __LINE__);
-    }
+    failOn(sql, errorOf([&] { m_db->execute(sql); }));
 }
 
 QList<QStringList> TestShop::rows(const QString &sql)
 {
     QList<QStringList> result;
-    try {
-        Recordset rs = m_db->query(sql);
-        for (; !rs.eof(); rs.moveNext()) {
+    failOn(sql, errorOf([&] {
+        for (Recordset rs = m_db->query(sql); !rs.eof(); rs.moveNext()) {
             QStringList row;
             for (const QString &name : rs.fieldNames())
                 row << rs.text(name);
             result << row;
         }
-    } catch (const UnhandledError &error) {
-        QTest::qFail(qPrintable(QStringLiteral("%1\n   failed: %2").arg(sql, error.message())), __FILE__, __LINE__);
-    }
+    }));
     return result;
 }
 

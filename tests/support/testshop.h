@@ -1,17 +1,22 @@
 #pragma once
 
+// What every test uses: the shop file and its care, errors, the test library.
+#include "care/shopcheck.h"
+#include "care/sqlitefile.h"
+#include "data/connectionstring.h"
 #include "data/database.h"
+#include "data/schema.h"
+#include "data/unhandlederror.h"
 #include "widgets/clock.h"
 #include "widgets/dialogs.h"
 #include "widgets/services.h"
 
 #include <QApplication>
-#include <QList>
-#include <QLocale>
+#include <QDir>
+#include <QFile>
 #include <QStandardPaths>
-#include <QTest>
-#include <QStringList>
 #include <QTemporaryDir>
+#include <QTest>
 #include <functional>
 #include <memory>
 
@@ -58,6 +63,7 @@ public:
     ~TestShop();
 
     QString directory() const { return m_path; }
+    QString file() const { return m_path + QStringLiteral("/vantrel.accdb"); }
     Database &db() { return *m_db; }
     Services &services() { return *m_services; }
 
