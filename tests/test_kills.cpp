@@ -1,13 +1,10 @@
-// The shop killed at random moments of its work. A worker process drives the real screens
-// (offscreen) through random sales, purchases, receipts, settles and cancels on one shop file,
-// saying "begin" before each action and, once it is complete, "done" with a digest of the books
-// as the file holds them; this process kills it (SIGKILL) a random time after it said it was
-// ready and checks the file: the pages are sound, and when no action was cut off the books are
-// exactly what the last completed one left (what a cut one leaves is the check's business).
-// Then the next worker carries on, as the operator does after a crash.
-//
-//   test_kills --kills N | --together N | --closes N [--seed S]    the tests (the soak runs more)
-//   test_kills --worker DIR SEED | --close DIR           started by the tests
+// The shop killed (SIGKILL) at random moments of its work. A worker drives the real screens
+// (offscreen) through random actions on one shop file, saying "begin" before each and "done" with
+// a digest of the books after it; killed a random time after it said it was ready, the file's
+// pages must be sound and, when no action was cut off, its books what the last one left (what a
+// cut one leaves is the check's business). The next worker carries on, as after a crash.
+//   test_kills --kills N | --together N | --closes N [--seed S]    (the soak runs more)
+//   test_kills --worker DIR SEED | --close DIR                       (started by the tests)
 #include "support/steps.h"
 #include "years/yearclose.h"
 
@@ -22,8 +19,8 @@ using namespace vantrel;
 
 namespace {
 
-// Codes 7001..7024; the last four have no stock row at first. The opening stock leaves room
-// under the 16 bits in which a cancel counts stock.
+// Codes 7001..7024, the last four without a stock row; the opening stock leaves room under the
+// 16 bits in which a cancel counts stock.
 const int Products = 24, Parties = 5;
 QString partyName(int i) { return QStringLiteral("PARTY%1").arg(QChar('A' + i)); }
 QString shopFile(const QString &directory) { return QDir(directory).filePath(QStringLiteral("vantrel.accdb")); }
@@ -61,8 +58,7 @@ void say(const QString &line)
     std::fflush(stdout);
 }
 
-// The worker: random actions of the operator's on the shop in DIRECTORY, every question answered
-// Yes, an error that ends an action ending the worker.
+// The worker: every question answered Yes, an error that ends an action ending the worker.
 [[noreturn]] void work(const QString &directory, quint32 seed)
 {
     test::StepDesk desk(directory);
@@ -84,7 +80,7 @@ void say(const QString &line)
     }
 }
 
-// What a worker said: the digest of its last completed action, whether one was begun since.
+// What a worker said: the digest after its last completed action, whether one was begun since.
 struct Said {
     QString digest;
     bool inFlight = false;
