@@ -1,11 +1,8 @@
-// Every bad input on every field of every data-entry screen. Each case is a fresh shared shop:
-// the screen is filled as the operator would fill it for a good save, one field then takes the
-// bad input (its keys released as typing leaves them), and the save is pressed. The system's own
-// response is whatever it is (a saved row, a message, the database's error that ends the
-// program); what may never happen besides it: a damaged file, a row gone from any table, a
-// table written that the action does not write, a quote stored (every value is spliced, so a
-// stored quote means a statement was not what it says), a number column holding a text or an
-// infinity, or an error that is not the database's or the system's own.
+// Every bad input on every field of every data-entry screen, filled for a good save and saved.
+// The system's own response is whatever it is (a row, a message, the database's error); never a
+// damaged file, a row gone, a table written that the save does not write, a quote stored (every
+// value is spliced: a stored quote is a statement that was not what it says), a number column
+// holding a text or an infinity, or an error that is neither the database's nor the system's.
 #include "support/steps.h"
 
 #include <QAbstractSpinBox>
@@ -17,8 +14,7 @@ namespace {
 const QStringList BadInputs = {"'", QString(10000, QLatin1Char('W')), "\u0926\u0935\u093e \u20b9", "   ", "-", "",
                                "1e308", "1,000.50", "x'; delete from sales; --"};
 
-// A data-entry screen: the steps that fill it for a good save, the button that saves, and the
-// tables that saving may write.
+// The steps that fill a screen for a good save, its save button, the tables the save may write.
 struct EntryScreen {
     const char *fill;
     const char *save;
@@ -38,8 +34,7 @@ const EntryScreen Screens[] = {
      "set Sales Rate=9; set Boxno=B9", "&Save", {"productmaster"}},
 };
 
-// The fields an operator can type into: named, shown, enabled and writable; not the text part of
-// a date picker.
+// The fields an operator can type into; not the text part of a date picker.
 QList<QLineEdit *> typedFields(QWidget *screen)
 {
     QList<QLineEdit *> fields;

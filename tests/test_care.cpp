@@ -64,14 +64,6 @@ const CutAction CutActions[] = {
     {"", "open rcpt; set Account=RAM; set Name Of Account=RAVI MEDICALS; set Amount=100; click &Save", {{NoBalance}}}, // the entry, its balance
 };
 
-// A file of COUNT cash invoices of one line each, all sound, numbered from FIRST.
-void addSoundInvoices(test::TestShop &shop, int first, int count)
-{
-    const QString numbers = QStringLiteral("with recursive n(i) as (select %1 union all select i + 1 from n where i < %2) ").arg(first).arg(first + count - 1);
-    shop.exec(numbers + "insert into sales(invoice,prodname,party,qty,rate,amount,trans,status) select i, 'PANADOL', 'RAM', 1, 10, 10, 'C', 'u' from n");
-    shop.exec(numbers + "insert into salesmain(invoice,dat,party,trans,netamt) select i, '11/20/2026', 'RAM', 'C', 10 from n");
-}
-
 void damage(const QString &path, qint64 at, qint64 length, char with)
 {
     QFile file(path);
@@ -131,9 +123,7 @@ private slots:
         }
     }
 
-    // A disk that fills up in the middle of the day's sales: the statement that finds no room
-    // fails with the engine's message and ends its action; every sale before it stays whole,
-    // the pages stay sound, and all that is left half done is that one action.
+    // A full disk ends the action with the engine's message; every sale before it stays whole.
     void aFullDiskEndsTheActionNotTheFile()
     {
         CareDesk d;
@@ -156,9 +146,7 @@ private slots:
             QVERIFY2(finding.rows.startsWith(QStringLiteral("sales invoice 1 (C)")), qPrintable(report.text()));
     }
 
-    // Another program holding the file's write lock past the busy time: the save waits that
-    // long, fails with the engine's message and writes nothing; released, the file is whole and
-    // takes writes again.
+    // A lock held past the busy time ends the save, which writes nothing; released, saves go on.
     void aLockHeldPastTheBusyTimeEndsTheAction()
     {
         CareDesk d;
@@ -170,15 +158,16 @@ private slots:
         QVERIFY(check(d.shop).clean());
     }
 
-    // The quick check reads the newest lines and headers; an old trace is the full check's.
-    // The ledger and stock are read whole by both.
+    // The quick check reads the newest lines and headers, and the ledger and stock whole.
     void theQuickCheckReadsTheNewestRows()
     {
         test::TestShop shop;
         shop.exec("insert into sales(invoice,prodname,party,qty,rate,amount,trans,status) values('900001','PANADOL','RAM',1,10,10,'D','u')");
         shop.exec("insert into salesmain(invoice,dat,party,trans,netamt) values(900002,'11/20/2020','RAM','D',10)");
         shop.exec("insert into ledger(refno,dat,ac,credit,type) values(1,'11/20/2020','RAM',10,'receipt')");
-        addSoundInvoices(shop, 1, QuickTailRows + 100);
+        const QString sound = QStringLiteral("with recursive n(i) as (select 1 union all select i + 1 from n where i < %1) ").arg(QuickTailRows + 100);
+        shop.exec(sound + "insert into sales(invoice,prodname,party,qty,rate,amount,trans,status) select i, 'PANADOL', 'RAM', 1, 10, 10, 'C', 'u' from n");
+        shop.exec(sound + "insert into salesmain(invoice,dat,party,trans,netamt) select i, '11/20/2026', 'RAM', 'C', 10 from n");
         shop.exec("insert into sales(invoice,prodname,party,qty,rate,amount,trans,status) values('900003','PANADOL','RAM',1,10,10,'C','u')");
         // an old invoice that gets a new line: its header is old, its newest line is new
         shop.exec("insert into sales(invoice,prodname,party,qty,rate,amount,trans,status) values('5','PANADOL','RAM',1,10,10,'C','u')");
@@ -191,8 +180,8 @@ private slots:
                  qPrintable(quick.text()));
     }
 
-    // A backup holds what was written before it, not a write still open, passes its check, is
-    // readable by its owner only and stands alone. A copy of a damaged file is not kept.
+    // A backup holds what was written before it, not an open write, is checked, its owner's alone
+    // and whole in itself; a restore keeps the file aside; a damaged file's copy is not kept.
     void aBackupIsACheckedCopyTakenWhileTheProgramWrites()
     {
         test::TestShop shop(test::TestShop::Filled);
@@ -210,8 +199,6 @@ private slots:
         QVERIFY(!QFileInfo::exists(path + "-wal"));
         QCOMPARE(SqliteFile(path, SqliteFile::Access::ReadOnly).number("select sum(netamt) from salesmain"), 132.5);
         QCOMPARE(backups.list(), QStringList{path});
-        // A restore puts it in place under the program's own connection and keeps the file as it
-        // was; a damaged backup is refused before anything changes.
         shop.exec("insert into salesmain(invoice,trans,netamt) values(52,'C',10)");
         const QString aside = backups.restore(path, QDateTime(QDate(2026, 11, 23), QTime(10, 0)));
         QCOMPARE(QFileInfo(aside).fileName(), QStringLiteral("before-restore-2026-11-23-100000.accdb"));

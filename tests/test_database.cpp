@@ -1,6 +1,5 @@
-// The database file: opening and its failures, and the values read and written: number texts,
-// 16-bit conversion, the short date. (What the engine makes of the system's statements, and its
-// faster forms of some, is in tests/cases/database.txt.)
+// The database file's opening, and the values read and written. (What the engine makes of the
+// system's statements is in tests/cases/database.txt.)
 #include "data/records.h"
 #include "data/shortdate.h"
 #include "support/testshop.h"
@@ -44,10 +43,8 @@ class DatabaseTest : public QObject {
     Q_OBJECT
 
 private slots:
-    // In a program directory with blanks and URI characters: a missing file is not created, and a
-    // file that is not a database, a folder in its place or a file (or its write-ahead index) that
-    // cannot be written fail the opening with a message. A second copy of the program sees a
-    // write at once.
+    // In a directory with blanks and URI characters: a missing file is not created; no database, a
+    // folder, a file or index that cannot be written fail with a message; a second copy sees a write.
     void openingFailsWithAMessageAndCreatesNothing()
     {
         QTemporaryDir parent;
@@ -90,7 +87,6 @@ private slots:
         QCOMPARE(dir.entryList({"*.accdb"}), QStringList{"vantrel.accdb"});
     }
 
-    // The leading number of a text, as typed into a field.
     void valReadsTheLeadingNumber()
     {
         const QList<QPair<QString, double>> cases = {{"12abc", 12}, {"", 0},     {"-3.5x", -3.5}, {"  7.25", 7.25}, {"abc", 0},   {"-", 0},
@@ -99,8 +95,7 @@ private slots:
             QVERIFY2(val(text) == value, qPrintable(text));
     }
 
-    // Single-precision figures have at most seven digits and no exponent; doubles the shortest
-    // text that reads back.
+    // Singles: seven digits at most, no exponent; doubles: the shortest text that reads back.
     void figuresAreWrittenToTheirPrecision()
     {
         const QList<QPair<float, QString>> singles = {{250.0f, "250"},    {12.5f, "12.5"}, {123456.78f, "123456.8"}, {0.1f, "0.1"},

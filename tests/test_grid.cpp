@@ -1,5 +1,4 @@
-// The grid: what its cells read and how they line up, lazy reading, and writes while a grid is
-// still reading. (Choosing from a grid is in the screens' cases.)
+// The grid: its cells, their sides, lazy reading. (Choosing from a grid is in the screens' cases.)
 #include "support/testshop.h"
 #include "widgets/grid.h"
 
@@ -11,9 +10,7 @@ class GridTest : public QObject {
     Q_OBJECT
 
 private slots:
-    // Every cell reads as the screens read the same value through a recordset: nothing for a
-    // null, whole numbers, reals in their shortest text, texts in any script, on the first
-    // screenful and past it.
+    // Every cell reads as a recordset reads it, on the first screenful and past it.
     void cellsReadAsARecordsetReadsThem()
     {
         test::TestShop shop;
@@ -34,8 +31,7 @@ private slots:
         QCOMPARE(grid.text(6, 0), QString());
     }
 
-    // Alignment follows what each cell holds: numbers (declared so or not, computed, 16-bit)
-    // on the right, texts on the left; a fixed first column is the headings'.
+    // Numbers (declared so or not, computed, 16-bit) on the right, texts on the left.
     void numbersLineUpOnTheRightAndTextsOnTheLeft()
     {
         test::TestShop shop(test::TestShop::Filled);
@@ -59,10 +55,8 @@ private slots:
         QCOMPARE(alignments("select refno, type from ledger", 0), QStringLiteral("-RL"));
     }
 
-    // Large results load lazily, idle time reads the rest, and a walk sees every row. A grid
-    // still reading shows the file as it was at its bind, however much is written meanwhile; the
-    // writes are on disk at once, and a grid bound after them shows them. A row that fails when
-    // it is read, late, is reported by the walk and by the idle reading alike.
+    // Idle time or a walk reads the rest; until then the grid shows the file as it was at its bind
+    // while writes go to disk at once. A row that fails late is reported by walk and idle alike.
     void largeResultsReadLazilyAsTheFileWasWhenBound()
     {
         test::TestShop shop;

@@ -1,6 +1,4 @@
-// Every screen driven as the operator drives it, case by case on the shared shop: the keys and
-// clicks, then what the fields, the grids, the messages and the file show. The cases are rows
-// of steps in tests/cases/*.txt, each under a line "== its name".
+// The screens' cases: rows of steps in tests/cases/*.txt, each under a line "== its name".
 #include "support/steps.h"
 
 #include <QRegularExpression>

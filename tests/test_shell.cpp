@@ -39,8 +39,7 @@ struct RunningProgram {
 class ShellTest : public QObject {
     Q_OBJECT
 private slots:
-    // The program starts with the Sales screen alone; the menu tree has the system's names and
-    // captions, the added tools last; each entry opens its own screen, once.
+    // Sales alone at the start; the menu tree, the tools last; each entry opens its screen once.
     void theMenuTreeOpensEachScreenOnce()
     {
         RunningProgram p;
@@ -78,8 +77,7 @@ private slots:
         QVERIFY(p.window().openScreen("sale"));
     }
 
-    // A screen reader names every field, list and date by what the operator sees: each control
-    // that takes the keyboard has a name, and a labelled one bears its label's text.
+    // Each control that takes the keyboard has a name, a labelled one its label's text.
     void everyControlOfEveryScreenIsNamed()
     {
         RunningProgram p;
@@ -103,8 +101,7 @@ private slots:
         }
     }
 
-    // A message box closing, or the window regaining focus, gives null and then the same
-    // screen again: that is no activation.
+    // A box closing, or the window regaining focus, gives null and the same screen: no activation.
     void activationRunsOnlyWhenTheActiveScreenChanges()
     {
         RunningProgram p;
@@ -119,8 +116,7 @@ private slots:
         QCOMPARE(QList<int>({a->activations, b->activations}), QList<int>({2, 1}));
     }
 
-    // Without its database the program shows no window; a printer that cannot be opened ends
-    // the print.
+    // No window without the database; a printer that cannot be opened ends the print.
     void aMissingDatabaseOrPrinterEndsWithAMessage()
     {
         test::TestShop shop;

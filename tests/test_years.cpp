@@ -1,6 +1,4 @@
-// The shop's years: files of every schema that has landed are brought to the current one, with a
-// checked backup first and in one transaction; a newer file is refused untouched; the start warns
-// when a 16-bit series nears its end.
+// The shop's years: schema upgrades, the year close, the start's warning of a series' end.
 #include "care/backups.h"
 #include "data/records.h"
 #include "years/schemaupgrade.h"
@@ -14,8 +12,7 @@ using namespace vantrel;
 
 namespace {
 
-// What turns a file of the current schema back into the one that landed as each version (the
-// SQL of each later step undone, newest first).
+// What turns a file of the current schema back into each version that landed, newest first.
 const QStringList Downgrades = {
     "select 'drop trigger ' || name from sqlite_schema where name like '%log%' and type = 'trigger' "
     "union all values ('drop table editlog'), ('pragma user_version = 6')",          // to 6: no edit log
@@ -75,7 +72,6 @@ private slots:
                 QCOMPARE(schemaVersion(*std::make_unique<SqliteFile>(upgrade.backup, SqliteFile::Access::ReadOnly)), version);
                 QVERIFY2(upgrade.notice().startsWith(QStringLiteral("The shop's file was brought from schema %1 to %2").arg(version).arg(CurrentSchemaVersion)), qPrintable(upgrade.notice()));
             }
-            // The log starts with the rows the file held, and the full check finds them as it started.
             QCOMPARE(shop.rows("select action, json_extract(new, '$.note') from editlog where id = (select max(id) from editlog where action = 'start')").first(),
                      (QStringList{"start", version < CurrentSchemaVersion ? QStringLiteral("The file was brought from schema %1 to %2; the edit log starts here, "
                                                                                            "with the rows the file held.").arg(version).arg(CurrentSchemaVersion)
@@ -86,8 +82,6 @@ private slots:
         }
     }
 
-    // A step that fails leaves the file at its old version whole; a newer file is refused
-    // before anything is written.
     void aFailedUpgradeOrANewerFileChangesNothing()
     {
         test::TestShop shop(test::TestShop::Filled);
@@ -111,12 +105,10 @@ private slots:
         QVERIFY(!QDir(shop.directory() + "/later").exists());
     }
 
-    // A file at the wall: 32,767 payments and receipts into twenty accounts, amounts in paise.
-    // After the close the next credit line books payment 1, and the balance it writes is the
-    // system's formula over every receipt and payment of both years; the receipts' total is
-    // carried to its last bit. Another copy of the program keeps the close from starting. The
-    // closed year's file is its owner's to read only, holds the year's books, passes the check and
-    // ends its log with the close; the shop's log starts again from it, chained by its hash.
+    // At the wall (32,767 payments), after the close the next credit line books payment 1 with the
+    // balance of both years' receipts and payments; the receipts' total is carried to its last
+    // bit. The closed year's file is its owner's to read, sound, and ends its log with the close,
+    // from which the shop's log starts again. Another copy of the program keeps the close off.
     void aCloseAtTheWallBooksPaymentOneWithTheBalanceOfBothYears()
     {
         test::StepDesk d;
@@ -146,8 +138,7 @@ private slots:
         d.run("sql select refno,balance from ledger where type='payment' and refno>0 => 1," + singleText(toSingle(std::abs(double(credit) - double(debit)))));
     }
 
-    // A close cut off at any of its steps leaves the old file, or (once the new contents are in)
-    // the new pair, whole after the next start; another copy of the program refuses it.
+    // A close cut off at any step leaves, after the next start, the old file or the new pair.
     void aCloseCutOffLeavesTheOldFileOrTheNewPair()
     {
         for (const int cutAt : {20, 40, 60, 90}) {
