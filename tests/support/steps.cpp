@@ -423,23 +423,23 @@ void StepDesk::step(const QString &verb, const QString &argument)
         failure = same("the printout", printout(), argument.split(QStringLiteral(" | ")).join(QStringLiteral("\r\n")) + "\r\n");
     } else if (verb == "changed") {
         const Snapshot after = snapshot();
-        QStringList expected, actual;
-        for (const QString &part : argument.split(QLatin1Char(','), Qt::SkipEmptyParts))
-            expected << part.simplified();
-        for (const char *t : Tables) {
-            const auto &was = m_before.value(QLatin1String(t)), &now = after.value(QLatin1String(t));
+        QStringList expected = argument.split(QLatin1Char(','), Qt::SkipEmptyParts), actual;
+        for (auto table = after.cbegin(); table != after.cend(); ++table) {
+            const auto &was = m_before.value(table.key()), &now = table.value();
             int added = 0, removed = 0, updated = 0;
             for (auto it = now.cbegin(); it != now.cend(); ++it)
                 !was.contains(it.key()) ? ++added : (was.value(it.key()) != it.value() ? ++updated : 0);
             for (auto it = was.cbegin(); it != was.cend(); ++it)
                 removed += now.contains(it.key()) ? 0 : 1;
-            QString counts;
+            QString counts = table.key();
             for (const auto &[sign, count] : QList<std::pair<char, int>>{{'+', added}, {'-', removed}, {'~', updated}})
                 counts += count ? QStringLiteral(" %1%2").arg(sign).arg(count) : QString();
-            if (!counts.isEmpty())
-                actual << QLatin1String(t) + counts;
+            if (counts != table.key())
+                actual << counts;
         }
         m_before = after;
+        for (QString &part : expected)
+            part = part.simplified();
         expected.sort();
         actual.sort();
         failure = same("the rows changed", actual.join(", "), expected.join(", "));

@@ -59,8 +59,7 @@ def check(condition, message):
 
 
 def equal(actual, expected, what):
-    if actual != expected:
-        raise Failure("%s: expected %r, got %r" % (what, expected, actual))
+    check(actual == expected, "%s: expected %r, got %r" % (what, expected, actual))
 
 
 def extents(acc):
@@ -78,8 +77,7 @@ def inside(inner, outer):
 
 def walk(acc):
     yield acc
-    for i in range(acc.childCount):
-        child = acc.getChildAtIndex(i)
+    for child in acc:
         if child is not None:
             yield from walk(child)
 
@@ -110,8 +108,7 @@ class Program:
 
     def _find_app(self):
         desktop = pyatspi.Registry.getDesktop(0)
-        return next((app for app in map(desktop.getChildAtIndex, range(desktop.childCount))
-                     if app is not None and app.get_process_id() == self.process.pid), None)
+        return next((app for app in desktop if app is not None and app.get_process_id() == self.process.pid), None)
 
     def close(self):
         self.process.kill()
@@ -195,8 +192,8 @@ class Program:
         return next((acc.name for acc in walk(box) if acc.getRoleName() == "label" and acc.name), None) if box else None
 
     def _box_window(self):
-        return next((window for window in map(self.app.getChildAtIndex, range(self.app.childCount)) if window is not None
-                     and window.getRoleName() in ("dialog", "alert") and window.getState().contains(pyatspi.STATE_SHOWING)), None)
+        return next((window for window in self.app if window is not None and window.getRoleName() in ("dialog", "alert")
+                     and window.getState().contains(pyatspi.STATE_SHOWING)), None)
 
     def screenshot(self, name):
         """Saves what the X server shows as NAME.png in the folder of the test's pictures."""

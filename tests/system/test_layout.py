@@ -6,8 +6,6 @@ different from one without.
 
 Run once per size (tests/system/desktop PROGRAM_DIR test_layout.py 1024x768)."""
 
-import subprocess
-
 import pyatspi
 
 from desk import ENTRIES, SHOP, Program, check, extents, inside, run, wait_for, walk
@@ -21,9 +19,7 @@ CONTROLS = ("push button", "text", "table")
 
 
 def display_size():
-    out = subprocess.run(["xdotool", "getdisplaygeometry"], capture_output=True, text=True, check=True).stdout
-    width, height = out.split()
-    return "%sx%s" % (width, height)
+    return "%dx%d" % extents(pyatspi.Registry.getDesktop(0))[2:]
 
 
 def showing(acc):
