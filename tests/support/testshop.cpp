@@ -41,7 +41,6 @@ QString errorOf(const std::function<void()> &action)
 TestShop::TestShop(Start start)
     : m_dir(std::make_unique<QTemporaryDir>(QDir::tempPath() + QStringLiteral("/vantrel shop-XXXXXX"))), m_path(m_dir->path())
 {
-    QSettings().clear(); // every shop starts from the program's defaults
     // Each kind of shop is made once per test program, through the program's own connection as
     // the screens write, and copied: the same file each time.
     static QTemporaryDir made;
@@ -72,6 +71,8 @@ TestShop::TestShop(const QString &directory) : m_path(directory)
 
 void TestShop::open()
 {
+    // Settings of the shop's own, from the program's defaults: two runs at once never share them.
+    QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, m_path);
     m_db = std::make_unique<Database>(buildConnectionString(m_path));
     m_services.reset(new Services{*m_db, dialogs, clock, m_path,
                                   [this](const QString &message) { unhandledErrors << message; }, {}, {}, {}});
