@@ -290,8 +290,6 @@ void StepDesk::step(const QString &verb, const QString &argument)
         qobject_cast<QDateEdit *>(target(name))->setDate(QDate::fromString(value, QStringLiteral("MM/dd/yyyy")));
     } else if (verb == "choose") {
         qobject_cast<QComboBox *>(target(name))->setCurrentText(value);
-    } else if (verb == "tap") {
-        QTest::mouseClick(target(argument), Qt::LeftButton);
     } else if (verb == "click") {
         QTest::mouseClick(target(argument), Qt::LeftButton);
     } else if (verb == "cell") {

@@ -20,7 +20,7 @@ using Rows = QList<QStringList>;
 // line. TARGET is an on-screen label, a grid's role or a button's caption.
 //   acting: open ENTRY (the menu entry's name) | window TITLE | start ENTRY MODE [PARTY] | reopen ENTRY
 //     MODE NUMBER | add CODE QTY [RATE] | type/set TARGET=TEXT (key by key, at once) | clear TARGET |
-//     key TARGET=KEY | focus TARGET | click CAPTION | tap TARGET (a mouse click) | cell GRID=ROW,COL |
+//     key TARGET=KEY | focus TARGET | click TARGET (a mouse click) | cell GRID=ROW,COL |
 //     pick FIELD=TEXT>LIST | choose BOX=TEXT | date PICKER=MM/DD/YYYY | yes | no | option N (the next
 //     list's pick, from 0) | force CAPTION (enables it) | exec SQL | setting KEY=VALUE | cups QUEUE (a
 //     print system of the test's own whose queue is a file)
