@@ -93,6 +93,18 @@ void StepDesk::run(const QString &steps)
     }
 }
 
+void StepDesk::show()
+{
+    window.show();
+    QApplication::setActiveWindow(&window);
+    m_before = snapshot();
+    shop.db().observeStatements([this](const QString &sql) {
+        static const QRegularExpression write(QStringLiteral("^\\s*(insert|update|delete)\\b"), QRegularExpression::CaseInsensitiveOption);
+        if (m_cut >= 0 && write.match(sql).hasMatch() && m_cut-- == 0)
+            throw UnhandledError(QStringLiteral("cut off"));
+    });
+}
+
 QWidget *StepDesk::target(const QString &name)
 {
     QWidget *root = m_screen ? m_screen : static_cast<QWidget *>(m_window);
@@ -407,14 +419,25 @@ void StepDesk::step(const QString &verb, const QString &argument)
     } else if (verb == "said") {
         failure = sameLines("the messages", shop.dialogs.shown.mid(m_said), argument);
         m_said = int(shop.dialogs.shown.size());
-    } else if (verb == "check") {
-        const CheckReport report = checkShopFile(shop.db().fileName(), CheckDepth::Full);
-        QStringList found;
-        for (const Finding &finding : report.traces)
-            found << finding.kind + ": " + finding.rows;
-        for (const Finding &finding : report.notices)
-            found << "Noted: " + finding.kind + ": " + finding.rows;
-        failure = sameLines("the check's findings", found + report.damage, argument);
+    } else if (verb == "check" || verb == "quick" || verb == "checks") {
+        for (const CheckDepth depth : {CheckDepth::Full, CheckDepth::Quick}) {
+            if (verb != "checks" && (depth == CheckDepth::Quick) != (verb == "quick"))
+                continue;
+            const CheckReport report = checkShopFile(shop.db().fileName(), depth);
+            QStringList found;
+            for (const Finding &finding : report.traces)
+                found << finding.kind + ": " + finding.rows;
+            for (const Finding &finding : report.notices)
+                found << "Noted: " + finding.kind + ": " + finding.rows;
+            failure += sameLines(depth == CheckDepth::Full ? "the check's findings" : "the quick check's", found + report.damage, argument);
+        }
+    } else if (verb == "cut") {
+        m_cut = argument.toInt();
+    } else if (verb == "lock") {
+        m_lock = std::make_unique<SqliteFile>(shop.file(), SqliteFile::Access::ReadWrite);
+        m_lock->execute(QStringLiteral("begin immediate"));
+    } else if (verb == "unlock") {
+        m_lock.reset(); // its transaction rolled back
     } else if (verb == "sql") {
         failure = same(argument.section(" => ", 0, 0), shown(shop.rows(argument.section(" => ", 0, 0))), shown(table(argument.section(" => ", 1))));
     } else if (verb == "printed") {

@@ -23,13 +23,16 @@ using Rows = QList<QStringList>;
 //     key TARGET=KEY | focus TARGET | click TARGET (a mouse click) | cell GRID=ROW,COL |
 //     pick FIELD=TEXT>LIST | choose BOX=TEXT | date PICKER=MM/DD/YYYY | yes | no | option N (the next
 //     list's pick, from 0) | force CAPTION (enables it) | exec SQL | setting KEY=VALUE | cups QUEUE (a
-//     print system of the test's own whose queue is a file)
+//     print system of the test's own whose queue is a file) | cut N (the write after the next N fails
+//     before it reaches the file, as if the program died there) | lock / unlock (another program
+//     holds the file's write lock, lets it go)
 //   seeing: field TARGET=TEXT | grid GRID=ROW,COL=TEXT | rows GRID=COUNT (with the heading) | list
 //     GRID=a,b | c,d (every data row, any order) | top GRID=a,b (the first rows, "*" any cell) | width
 //     GRID=HEADING=TWIPS | focused TARGET | enabled/shown TARGET=yes|no | said M1 | M2 (the messages
 //     since the last said; "..." any text) | sql QUERY => a,b | c,d | fails SQL => MESSAGE | same FAST
 //     => STATED (a faster form gives what the statement as it stands gives) | shell SQL => OUTPUT (the
-//     sqlite3 shell) | check F1 | F2 (the full check's findings, then its notes) | printed L1 | L2 |
+//     sqlite3 shell) | check F1 | F2 (the full check's findings, then its notes; quick: the quick
+//     check's; checks: both) | printed L1 | L2 |
 //     line N=TEXT (of the printout) | status TEXT | ended MESSAGE (the program ended so, and goes on
 //     here) | pdftext FILE / saved FILE (exports/FILE is the printout) | queued (the printout reached
 //     the queue raw) | exports GRID=K,K (to a workbook and a CSV file by the Tools keys, read back cell
@@ -58,12 +61,7 @@ struct StepDesk {
     Snapshot snapshot();
 
 private:
-    void show()
-    {
-        window.show();
-        QApplication::setActiveWindow(&window);
-        m_before = snapshot();
-    }
+    void show();
     void step(const QString &verb, const QString &argument);
     // The widget of the screen opened last (or of the window): a button by its caption, any
     // other by its accessible name. None ends the case.
@@ -77,6 +75,8 @@ private:
 
     QWidget *m_screen = nullptr;
     int m_said = 0;
+    int m_cut = -1; // writes still to go before the cut, or none
+    std::unique_ptr<SqliteFile> m_lock; // another program's hold on the file
     Snapshot m_before;
     MainWindow *m_window = &window; // the window the steps act in
 };
