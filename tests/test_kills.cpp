@@ -21,8 +21,8 @@ namespace {
 
 // Codes 7001..7024, the last four without a stock row; the opening stock leaves room under the
 // 16 bits in which a cancel counts stock.
-const int Products = 24, Parties = 5;
-QString partyName(int i) { return QStringLiteral("PARTY%1").arg(QChar('A' + i)); }
+const int Products = 24;
+const QStringList Parties = {"PARTYA", "PARTYB", "PARTYC", "PARTYD", "PARTYE"};
 QString shopFile(const QString &directory) { return QDir(directory).filePath(QStringLiteral("vantrel.accdb")); }
 
 void makeShop(const QString &directory)
@@ -33,8 +33,8 @@ void makeShop(const QString &directory)
                                 "(cmpid,psrno,prodname,model,rate) select 'CIP', i, printf('ITEM %02d', i), 7000 + i, 5 + i * 2.5 from n").arg(Products));
     file.execute(QStringLiteral("insert into stock(cmpid,pono,psrno,prodname,model,party,totqty,rate,amt,usedqty,stk) select cmpid, '0', psrno, "
                                 "prodname, model, 'OPENING', 20000, 1, 1, 0, 20000 from productmaster where psrno <= %1").arg(Products - 4));
-    for (int i = 0; i < Parties; ++i)
-        file.execute(QStringLiteral("insert into suppliermaster(ID,suppname) values(%1,'%2')").arg(i + 1).arg(partyName(i)));
+    for (int i = 0; i < Parties.size(); ++i)
+        file.execute(QStringLiteral("insert into suppliermaster(ID,suppname) values(%1,'%2')").arg(i + 1).arg(Parties[i]));
 }
 
 // Every row of the books, as text, sorted: what a completed action leaves and a close keeps.
@@ -65,14 +65,12 @@ void say(const QString &line)
     desk.shop.dialogs.answerYes = true;
     desk.shop.services().unhandledError = [](const QString &message) { say("error " + message), std::_Exit(3); };
     QRandomGenerator random(seed);
-    QStringList parties, codes;
+    QStringList codes;
     for (int i = 0; i < Products; ++i)
         codes << QString::number(7001 + i);
-    for (int i = 0; i < Parties; ++i)
-        parties << partyName(i);
     say(QStringLiteral("ready"));
     for (;;) {
-        const QString action = desk.randomAction(random, parties, codes);
+        const QString action = desk.randomAction(random, Parties, codes);
         say(QStringLiteral("begin"));
         desk.run(action);
         say("done " + digest(booksOf(shopFile(directory))));

@@ -2,6 +2,7 @@
 
 #include "widgets/grid.h"
 #include "widgets/screen.h"
+#include "years/serieswarning.h"
 
 #include <QComboBox>
 #include <QDateEdit>
@@ -335,6 +336,8 @@ void StepDesk::step(const QString &verb, const QString &argument)
         failure = same("the shell", out.split(QLatin1Char('\n')).join(" | "), argument.section(" =>", 1).trimmed());
     } else if (verb == "force") {
         target(argument)->setEnabled(true);
+    } else if (verb == "warning") {
+        failure = sameLines("the start's warning", {seriesWarning(shop.db())}, argument);
     } else if (verb == "status") {
         failure = same("the status line", window.findChild<QLabel *>(QStringLiteral("lastPrinted"))->text(), argument);
     } else if (verb == "ended") {

@@ -15,25 +15,25 @@ namespace vantrel::test {
 using Rows = QList<QStringList>;
 
 // A case written as steps, one a line or joined by "; ", run on a desk with the shared shop: what the
-// operator does on the screen opened last, then what the screen, the messages and the file must show.
-// A step the runner does not know fails the case, as does the first failing check; either names the
-// line. TARGET is an on-screen label, a grid's role or a button's caption.
+// operator does on the screen opened last, then what the screen, the messages and the file must show. A
+// step the runner does not know fails the case, as does the first failing check; either names the line.
+// TARGET is an on-screen label, a grid's role or a button's caption.
 //   acting: open ENTRY (the menu entry's name) | window TITLE | start ENTRY MODE [PARTY] | reopen ENTRY
 //     MODE NUMBER | add CODE QTY [RATE] | type/set TARGET=TEXT (key by key, at once) | clear TARGET |
-//     key TARGET=KEY | focus TARGET | click TARGET (a mouse click) | cell GRID=ROW,COL |
-//     pick FIELD=TEXT>LIST | choose BOX=TEXT | date PICKER=MM/DD/YYYY | yes | no | option N (the next
-//     list's pick, from 0) | force CAPTION (enables it) | exec SQL | setting KEY=VALUE | cups QUEUE (a
-//     print system of the test's own whose queue is a file) | cut N (the write after the next N fails
-//     before it reaches the file, as if the program died there) | lock / unlock (another program
-//     holds the file's write lock, lets it go)
+//     key TARGET=KEY | focus TARGET | click TARGET (a mouse click) | cell GRID=ROW,COL | pick
+//     FIELD=TEXT>LIST | choose BOX=TEXT | date PICKER=MM/DD/YYYY | yes | no | option N (the next list's
+//     pick, from 0) | force CAPTION (enables it) | exec SQL | setting KEY=VALUE | cups QUEUE (a print
+//     system of the test's own whose queue is a file) | cut N (the write after the next N fails before
+//     it reaches the file, as if the program died there) | lock / unlock (another program holds the
+//     file's write lock, lets it go)
 //   seeing: field TARGET=TEXT | grid GRID=ROW,COL=TEXT | rows GRID=COUNT (with the heading) | list
 //     GRID=a,b | c,d (every data row, any order) | top GRID=a,b (the first rows, "*" any cell) | width
 //     GRID=HEADING=TWIPS | focused TARGET | enabled/shown TARGET=yes|no | said M1 | M2 (the messages
 //     since the last said; "..." any text) | sql QUERY => a,b | c,d | fails SQL => MESSAGE | same FAST
 //     => STATED (a faster form gives what the statement as it stands gives) | shell SQL => OUTPUT (the
 //     sqlite3 shell) | check F1 | F2 (the full check's findings, then its notes; quick: the quick
-//     check's; checks: both) | printed L1 | L2 |
-//     line N=TEXT (of the printout) | status TEXT | ended MESSAGE (the program ended so, and goes on
+//     check's; checks: both) | printed L1 | L2 | line N=TEXT (of the printout) | status TEXT | warning
+//     TEXT (the start's, of a series near its end) | ended MESSAGE (the program ended so, and goes on
 //     here) | pdftext FILE / saved FILE (exports/FILE is the printout) | queued (the printout reached
 //     the queue raw) | exports GRID=K,K (to a workbook and a CSV file by the Tools keys, read back cell
 //     by cell; K: n number, d date, s text) | changed TABLE +N -N ~N, ... (rows inserted, deleted,
