@@ -61,6 +61,15 @@ private slots:
             QVERIFY2(finding.rows.startsWith(QStringLiteral("sales invoice 1 (C)")), qPrintable(report.text()));
     }
 
+    // A lock held past the busy time (whose wait keeps it out of the screens' quick cases) ends the
+    // save, which writes nothing; released, saves go on.
+    void aLockHeldPastTheBusyTimeEndsTheAction()
+    {
+        test::StepDesk d;
+        d.run("lock; start sale C RAME; add 8901 2; ended database is locked; changed; unlock; add 8901 2");
+        d.run("changed sales +1, salesmain +1, stock ~2; checks");
+    }
+
     // A backup holds what was written before it, not an open write, is checked, its owner's alone
     // and whole in itself; a restore keeps the file aside; a damaged file's copy is not kept.
     void aBackupIsACheckedCopyTakenWhileTheProgramWrites()
