@@ -5,13 +5,10 @@
 #include "support/testshop.h"
 #include "widgets/grid.h"
 
+#include <QProcess>
 #include <QSignalSpy>
 #include <cmath>
 #include <limits>
-#include <fcntl.h>
-#include <linux/fs.h>
-#include <sys/ioctl.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 using namespace vantrel;
@@ -27,14 +24,8 @@ QString openingError(const QString &directory)
 bool setReadOnly(const QString &path, bool on)
 {
     if (::geteuid() != 0)
-        return ::chmod(QFile::encodeName(path).constData(), on ? 0444 : 0600) == 0;
-    const int fd = ::open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC);
-    int flags = 0;
-    bool done = fd >= 0 && ::ioctl(fd, FS_IOC_GETFLAGS, &flags) == 0;
-    flags = on ? flags | FS_IMMUTABLE_FL : flags & ~FS_IMMUTABLE_FL;
-    done = done && ::ioctl(fd, FS_IOC_SETFLAGS, &flags) == 0;
-    ::close(fd);
-    return done;
+        return QFile::setPermissions(path, on ? QFile::ReadOwner : QFile::ReadOwner | QFile::WriteOwner);
+    return QProcess::execute(QStringLiteral("chattr"), {on ? QStringLiteral("+i") : QStringLiteral("-i"), path}) == 0;
 }
 
 const QLocale UnitedStates(QLocale::English, QLocale::UnitedStates), India(QLocale::English, QLocale::India);
