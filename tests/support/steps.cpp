@@ -432,7 +432,8 @@ void StepDesk::step(const QString &verb, const QString &argument)
                 found << finding.kind + ": " + finding.rows;
             for (const Finding &finding : report.notices)
                 found << "Noted: " + finding.kind + ": " + finding.rows;
-            failure += sameLines(depth == CheckDepth::Full ? "the check's findings" : "the quick check's", found + report.damage, argument);
+            const QString differs = sameLines(depth == CheckDepth::Full ? "the check's findings" : "the quick check's", found + report.damage, argument);
+            failure += (failure.isEmpty() || differs.isEmpty() ? "" : "; ") + differs;
         }
     } else if (verb == "cut") {
         m_cut = argument.toInt();

@@ -56,7 +56,7 @@ struct StepDesk {
     // file settled or cancelled.
     QString randomAction(QRandomGenerator &random, const QStringList &parties, const QStringList &codes);
 
-    // Every row of the shop's tables by table and rowid, its fields joined.
+    // Every row of the shop's tables, its fields by table and rowid.
     using Snapshot = QHash<QString, QHash<qint64, QStringList>>;
     Snapshot snapshot();
 

@@ -1,6 +1,5 @@
 #include "testshop.h"
 
-
 #include <QRegularExpression>
 #include <QSettings>
 #include <QTest>

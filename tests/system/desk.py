@@ -261,7 +261,8 @@ class Program:
             elif verb == "nobox":  # watched for a second: a box that comes late fails too
                 end = time.monotonic() + 1.0
                 while time.monotonic() < end:
-                    check(self.message_box() is None, "a message box %r appeared after the step before" % self.message_box())
+                    shown = self.message_box()
+                    check(shown is None, "a message box %r appeared after the step before" % shown)
                     time.sleep(0.05)
             elif verb == "sql":
                 query, _, rows = arg.partition(" => ")
