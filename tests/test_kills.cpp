@@ -229,7 +229,7 @@ int main(int argc, char **argv)
         if (command == QLatin1String("--close")) {
             say(QStringLiteral("begin"));
             const QString path = shopFile(args.value(2));
-            closeYear(path, planYearClose(path, FinancialYear{}, QDate(2026, 11, 24)), QDateTime::currentDateTime(), QStringLiteral("11/24/2026"));
+            closeYear(path, planYearClose(path, FinancialYear{}, QDate(2027, 3, 31), QDate(2027, 4, 1)), QDateTime::currentDateTime());
             say(QStringLiteral("done"));
             return 0;
         }

@@ -11,6 +11,7 @@
 #include <QApplication>
 #include <QDir>
 #include <QFileInfo>
+#include <QProgressDialog>
 #include <cstdio>
 
 int main(int argc, char *argv[])
@@ -31,22 +32,36 @@ int main(int argc, char *argv[])
         QCoreApplication::exit(1);
     };
 
-    // An older shop file is brought to the current schema before anything opens it; a missing
-    // one is left for the opening to report.
+    // An older shop file is brought to the current schema before anything opens it, with a
+    // window that says so from the start; a missing one is left for the opening to report (and
+    // gets no lock file beside it).
     const QDir directory(QCoreApplication::applicationDirPath());
     const QString file = directory.filePath(QStringLiteral("vantrel.accdb"));
     vantrel::SchemaUpgrade upgrade;
-    const vantrel::ShopPresence presence(file);
+    std::unique_ptr<vantrel::ShopPresence> presence;
     std::unique_ptr<vantrel::Program> program;
     try {
         if (QFileInfo::exists(file)) {
-            upgrade = vantrel::bringToCurrentSchema(file, directory.filePath(QStringLiteral("backups")), QDateTime::currentDateTime());
-            if (!presence.othersPresent())
+            presence = std::make_unique<vantrel::ShopPresence>(file);
+            std::unique_ptr<QProgressDialog> upgrading;
+            upgrade = vantrel::bringToCurrentSchema(file, directory.filePath(QStringLiteral("backups")), QDateTime::currentDateTime(),
+                                                    [&upgrading](const QString &doing, int percent) {
+                                                        if (!upgrading) {
+                                                            upgrading = std::make_unique<QProgressDialog>(doing, QString(), 0, 100);
+                                                            upgrading->setWindowTitle(QString::fromLatin1(vantrel::ProgramTitle));
+                                                            upgrading->setMinimumDuration(0);
+                                                            upgrading->show();
+                                                        }
+                                                        upgrading->setLabelText(doing);
+                                                        upgrading->setValue(percent);
+                                                        QCoreApplication::processEvents();
+                                                    });
+            if (!presence->othersPresent())
                 vantrel::finishInterruptedClose(file);
         }
         program = std::make_unique<vantrel::Program>(directory.path(), dialogs, clock, unhandledError);
-        program->services().othersHaveTheShopOpen = [&presence] { return presence.othersPresent(); };
-        QStringList notices{upgrade.notice(), vantrel::seriesWarning(program->db())};
+        program->services().whyTheShopIsShared = [&presence] { return presence ? presence->whyShared() : QString(); };
+        QStringList notices{presence ? presence->problem() : QString(), upgrade.notice(), vantrel::seriesWarning(program->db())};
         notices.removeAll(QString());
         program->window().showNotice(notices.join(QLatin1Char(' ')));
     } catch (const vantrel::UnhandledError &error) {

@@ -66,7 +66,8 @@ void exportActiveList(MainWindow &window, const Services &services, ExportFormat
 
 QString exportFolder(const Services &services)
 {
-    return QSettings().value(QStringLiteral("export/folder"), QDir(services.programDirectory).filePath(QStringLiteral("exports"))).toString();
+    const QString folder = QSettings().value(QStringLiteral("export/folder")).toString().trimmed();
+    return folder.isEmpty() ? QDir(services.programDirectory).filePath(QStringLiteral("exports")) : folder;
 }
 
 void exportToWorkbookCommand(MainWindow &window, Services &services)

@@ -14,8 +14,8 @@ struct Services;
 void exportToWorkbookCommand(MainWindow &window, Services &services);
 void exportToCsvCommand(MainWindow &window, Services &services);
 
-// The folder exports go into: the setting "export/folder" of the program's settings, else
-// "exports" in the program directory.
+// The folder exports go into: the setting "export/folder" of the program's settings when it
+// names one, else (unset or blank) "exports" in the program directory.
 QString exportFolder(const Services &services);
 
 } // namespace vantrel

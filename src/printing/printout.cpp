@@ -55,6 +55,7 @@ QString sendPrintout(const QString &programDirectory, Dialogs &dialogs, const QS
     if (settings.queue.isEmpty()) {
         LinePrinter(programDirectory).print(lines);
     } else if (const QString refused = printRaw(settings.queue, document, printoutBytes(lines)); !refused.isEmpty()) {
+        dialogs.inform(QStringLiteral("%1 was not printed: the printer %2 refused it.\nThe printing system says: %3").arg(document, settings.queue, refused));
         return QStringLiteral("Not printed: %1 (the printer %2: %3)").arg(document, settings.queue, refused);
     }
     QSaveFile copy(keptCopy(programDirectory)); // what Tools > Last Printout shows

@@ -32,7 +32,8 @@ QStringList lastPrintout(const QString &programDirectory);
 // Sends a printout where the settings say, after the preview when it is on (Dialogs answers
 // whether to print). Returns what the status line says: "Printed DOCUMENT: N lines", or why
 // nothing reached the printer (the preview dropped, the queue refused: the screen keeps its
-// document either way). A printer file that cannot be written throws UnhandledError, as it
+// document either way). A refusal is told in a message box too, naming the printer and the
+// printing system's reason. A printer file that cannot be written throws UnhandledError, as it
 // always has.
 QString sendPrintout(const QString &programDirectory, Dialogs &dialogs, const QString &document, const QStringList &lines);
 

@@ -67,7 +67,12 @@ void SettingsScreen::saveClicked()
     }
     QSettings settings;
     settings.setValue(QLatin1String(YearStartKey), start);
-    settings.setValue(QStringLiteral("export/folder"), m_exportFolder->text().trimmed());
+    if (m_exportFolder->text().trimmed().isEmpty()) { // the default folder, shown again
+        settings.remove(QStringLiteral("export/folder"));
+        m_exportFolder->setText(exportFolder(services()));
+    } else {
+        settings.setValue(QStringLiteral("export/folder"), m_exportFolder->text().trimmed());
+    }
     PrintSettings{m_printer->currentIndex() == 0 ? QString() : m_printer->currentText(), m_preview->isChecked()}.write(settings);
     settings.sync();
     dialogs().inform(settings.status() == QSettings::NoError ? QStringLiteral("The settings are saved.")

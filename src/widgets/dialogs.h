@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QDate>
 #include <QString>
 #include <QStringList>
 
@@ -20,6 +21,12 @@ public:
         Q_UNUSED(question);
         Q_UNUSED(items);
         return -1;
+    }
+    // A day, asked with PROPOSED filled in; an invalid date when the question was dropped.
+    virtual QDate askDate(const QString &question, const QDate &proposed)
+    {
+        Q_UNUSED(question);
+        return proposed;
     }
     // Whether to print a printout shown first (the preview); yes unless the dialogs show it.
     virtual bool previewPrintout(const QString &document, const QStringList &lines)

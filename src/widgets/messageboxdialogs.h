@@ -16,6 +16,7 @@ public:
     void inform(const QString &message) override;
     bool ask(const QString &question) override;
     int choose(const QString &question, const QStringList &items) override;
+    QDate askDate(const QString &question, const QDate &proposed) override;
     bool previewPrintout(const QString &document, const QStringList &lines) override;
 
 private:

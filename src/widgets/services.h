@@ -26,8 +26,9 @@ struct Services {
     std::function<Screen *(const QString &entryName)> openScreen;
     // Tells the operator what went to the printer (the status line); set by the main window.
     std::function<void(const QString &text)> showPrinted;
-    // Whether another copy of the program has the shop's file open now; unset: none has.
-    std::function<bool()> othersHaveTheShopOpen;
+    // Why this copy cannot be sure it is alone with the shop's file now (another copy has it open,
+    // or the file that tells cannot be made); empty, or unset, when it is alone.
+    std::function<QString()> whyTheShopIsShared;
 };
 
 } // namespace vantrel

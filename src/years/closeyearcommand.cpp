@@ -2,7 +2,6 @@
 
 #include "app/mainwindow.h"
 #include "data/database.h"
-#include "data/shortdate.h"
 #include "data/unhandlederror.h"
 #include "widgets/clock.h"
 #include "widgets/dialogs.h"
@@ -18,13 +17,18 @@ namespace vantrel {
 
 void closeYearCommand(MainWindow &window, Services &services)
 {
-    if (services.othersHaveTheShopOpen && services.othersHaveTheShopOpen()) {
-        services.dialogs.inform(QStringLiteral("Another copy of Vantrel has the shop open. Close it first, then close the year."));
+    if (const QString kept = services.whyTheShopIsShared ? services.whyTheShopIsShared() : QString(); !kept.isEmpty()) {
+        services.dialogs.inform(kept);
         return;
     }
     const QString database = services.db.fileName();
+    const FinancialYear year = financialYearSetting();
+    const QDate today = services.clock.today();
+    const QDate cutOff = services.dialogs.askDate(QStringLiteral("Close the books up to the last day of the year:"), year.lastCompleteYearEnd(today));
+    if (!cutOff.isValid())
+        return;
     try {
-        const YearClosePlan plan = planYearClose(database, financialYearSetting(), services.clock.today());
+        const YearClosePlan plan = planYearClose(database, year, cutOff, today);
         if (!plan.possible()) {
             services.dialogs.inform(plan.refusal());
             return;
@@ -36,14 +40,12 @@ void closeYearCommand(MainWindow &window, Services &services)
         QProgressDialog progress(QStringLiteral("Closing the year %1...").arg(plan.name), QString(), 0, 100, &window);
         progress.setWindowModality(Qt::WindowModal);
         progress.setMinimumDuration(0);
-        closeYear(database, plan, QDateTime::currentDateTime(), ShortDate().text(services.clock.today()), [&progress](int percent) {
+        closeYear(database, plan, QDateTime(today, QTime::currentTime()), [&progress](int percent) {
             progress.setValue(percent);
             QCoreApplication::processEvents();
         });
         progress.close();
-        services.dialogs.inform(QStringLiteral("The year %1 is closed, its books kept in %2. Invoices, vouchers, receipts and payments "
-                                               "are numbered from 1 again.")
-                                    .arg(plan.name, QDir::toNativeSeparators(plan.yearFile)));
+        services.dialogs.inform(QStringLiteral("The year %1 is closed, its books kept in %2.").arg(plan.name, QDir::toNativeSeparators(plan.yearFile)));
         window.openScreen(QStringLiteral("sale"));
     } catch (const UnhandledError &error) {
         services.unhandledError(error.message());

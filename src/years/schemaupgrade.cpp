@@ -69,8 +69,13 @@ int schemaVersion(SqliteFile &file)
     throw UnhandledError(QStringLiteral("%1 holds no shop's tables").arg(file.path()));
 }
 
-SchemaUpgrade bringToCurrentSchema(const QString &path, const QString &backupFolder, const QDateTime &now)
+SchemaUpgrade bringToCurrentSchema(const QString &path, const QString &backupFolder, const QDateTime &now,
+                                   const std::function<void(const QString &, int)> &progress)
 {
+    const auto tell = [&progress](const QString &doing, int percent) {
+        if (progress)
+            progress(doing, percent);
+    };
     SchemaUpgrade result;
     {
         SqliteFile file(path, SqliteFile::Access::ReadOnly);
@@ -84,9 +89,11 @@ SchemaUpgrade bringToCurrentSchema(const QString &path, const QString &backupFol
                                  .arg(CurrentSchemaVersion));
     if (result.from == CurrentSchemaVersion)
         return result;
+    tell(QStringLiteral("Bringing the shop's file from schema %1 to %2: taking a backup first...").arg(result.from).arg(CurrentSchemaVersion), 0);
     // Within the upgrade's time on a decade of data: the pages checked, not every index.
     result.backup = Backups(path, backupFolder).take(now, Backups::Check::Quick);
 
+    tell(QStringLiteral("Bringing the shop's file from schema %1 to %2: changing its layout...").arg(result.from).arg(CurrentSchemaVersion), 40);
     SqliteFile file(path, SqliteFile::Access::ReadWrite);
     file.execute(QStringLiteral("begin immediate"));
     try {
@@ -105,9 +112,11 @@ SchemaUpgrade bringToCurrentSchema(const QString &path, const QString &backupFol
         throw;
     }
     result.to = CurrentSchemaVersion;
+    tell(QStringLiteral("Bringing the shop's file from schema %1 to %2: checking it...").arg(result.from).arg(CurrentSchemaVersion), 80);
     const CheckReport report = checkShopFile(path, CheckDepth::Quick);
     if (!report.clean())
         result.findings = report.text();
+    tell(QString(), 100);
     return result;
 }
 

@@ -2,6 +2,7 @@
 
 #include <QDateTime>
 #include <QString>
+#include <functional>
 
 namespace vantrel {
 
@@ -29,7 +30,9 @@ int schemaVersion(SqliteFile &file);
 // then every missing step in one transaction (a kill leaves the old schema or the new one, never
 // a mix), then the quick check. A current file is left untouched. Throws UnhandledError, having
 // written nothing, for a file newer than this program; and when the backup or a step fails (the
-// transaction is rolled back then).
-SchemaUpgrade bringToCurrentSchema(const QString &path, const QString &backupFolder, const QDateTime &now);
+// transaction is rolled back then). PROGRESS hears, before each part of an upgrade, what it does
+// and the percentage done; it is not called for a current file.
+SchemaUpgrade bringToCurrentSchema(const QString &path, const QString &backupFolder, const QDateTime &now,
+                                   const std::function<void(const QString &doing, int percent)> &progress = {});
 
 } // namespace vantrel

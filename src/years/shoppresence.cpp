@@ -1,6 +1,8 @@
 #include "shoppresence.h"
 
 #include <QFile>
+#include <cerrno>
+#include <cstring>
 #include <fcntl.h>
 #include <unistd.h>
 
@@ -21,9 +23,11 @@ bool lock(int fd, short type)
 } // namespace
 
 ShopPresence::ShopPresence(const QString &database)
-    : m_fd(::open(QFile::encodeName(database + QStringLiteral(".open")).constData(), O_RDWR | O_CREAT | O_CLOEXEC, 0600))
+    : m_lockFile(database + QStringLiteral(".open")), m_fd(::open(QFile::encodeName(m_lockFile).constData(), O_RDWR | O_CREAT | O_CLOEXEC, 0600))
 {
-    if (m_fd >= 0)
+    if (m_fd < 0)
+        m_error = errno;
+    else
         lock(m_fd, F_RDLCK);
 }
 
@@ -35,10 +39,28 @@ ShopPresence::~ShopPresence()
 
 bool ShopPresence::othersPresent() const
 {
-    if (m_fd < 0 || !lock(m_fd, F_WRLCK))
+    if (m_fd < 0)
+        return false;
+    if (!lock(m_fd, F_WRLCK))
         return true;
     lock(m_fd, F_RDLCK);
     return false;
+}
+
+QString ShopPresence::problem() const
+{
+    if (m_fd >= 0)
+        return QString();
+    return QStringLiteral("%1 cannot be made (%2): another copy of Vantrel that has the shop open cannot be seen, so the year "
+                          "cannot be closed.")
+        .arg(m_lockFile, QString::fromLocal8Bit(std::strerror(m_error)));
+}
+
+QString ShopPresence::whyShared() const
+{
+    if (m_fd < 0)
+        return problem();
+    return othersPresent() ? QStringLiteral("Another copy of Vantrel has the shop open. Close it first, then close the year.") : QString();
 }
 
 } // namespace vantrel

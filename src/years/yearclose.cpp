@@ -12,6 +12,7 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QSet>
 #include <cmath>
 
 namespace vantrel {
@@ -19,8 +20,6 @@ namespace vantrel {
 namespace {
 
 const char *const Opening = "OPENING BALANCE";
-
-QString exact(double value) { return QString::number(value, 'g', 17); }
 
 QString yearsFolder(const QString &database) { return QFileInfo(database).absoluteDir().filePath(QStringLiteral("years")); }
 QString newContents(const QString &database) { return database + QStringLiteral(".new"); }
@@ -32,79 +31,110 @@ void removeUnfinished(const QString &path)
         QFile::remove(path + QLatin1String(suffix));
 }
 
-// The newest date the books hold, or an invalid date when none can be read.
-QDate newestDate(SqliteFile &file)
+// An amount as an operator types it: rounded to the paisa, in its shortest text; null stays null.
+QString paisa(const SqliteRow &row, int column)
+{
+    return row.isNull(column) ? QStringLiteral("null") : doubleText(std::round(row.number(column) * 100) / 100);
+}
+
+// Which rows stay in the shop file at a close up to a cut-off: the documents dated after it. A
+// line stays with a header of its own that stays; a line without one, and a row without a date,
+// close with the year. The conditions need the connection's cdate (registerSqlFunctions).
+struct CutOff {
+    explicit CutOff(const QDate &day) : iso(day.toString(Qt::ISODate)) {}
+    QString iso;
+    // Whether the date in COLUMN lies after the cut-off.
+    QString after(const QString &column = QStringLiteral("dat")) const { return "coalesce(cdate(" + column + ") > '" + iso + "', 0)"; }
+    QString salesLine() const
+    {
+        return "exists (select 1 from salesmain m where m.invoice = sales.invoice and m.trans = sales.trans and " + after(QStringLiteral("m.dat")) + ")";
+    }
+    QString purchaseLine() const
+    {
+        return "exists (select 1 from purchasemain m where m.pono = purchase.pono and m.trans = purchase.trans and " + after(QStringLiteral("m.dat")) + ")";
+    }
+    // Deletes from FILE what closes (STAYING true: the shop file's new contents are what stays)
+    // or what stays (false: the closed year's file).
+    void keepOnly(SqliteFile &file, bool staying) const
+    {
+        const QString no = staying ? QStringLiteral("not ") : QString();
+        file.execute("delete from sales where " + no + salesLine() + "; delete from salesmain where " + no + after()
+                     + "; delete from purchase where " + no + purchaseLine() + "; delete from purchasemain where " + no + after()
+                     + "; delete from ledger where " + no + after());
+    }
+};
+
+// The documents whose date no register can read, each named with its date.
+QStringList unreadableDates(SqliteFile &file)
 {
     const ShortDate form;
-    QDate newest;
-    file.eachRow(QStringLiteral("select distinct dat from salesmain union select distinct dat from purchasemain "
-                                "union select distinct dat from ledger"),
+    QSet<QString> bad;
+    file.eachRow(QStringLiteral("select distinct dat from salesmain where dat is not null union select distinct dat from purchasemain "
+                                "where dat is not null union select distinct dat from ledger where dat is not null"),
                  [&](const SqliteRow &row) {
-                     const QDate day = row.isNull(0) ? QDate() : dateOfText(row.text(0), form);
-                     if (day.isValid() && (!newest.isValid() || day > newest))
-                         newest = day;
+                     if (!dateOfText(row.text(0), form).isValid())
+                         bad << row.text(0);
                  });
-    return newest;
+    QStringList named;
+    if (bad.isEmpty())
+        return named;
+    file.eachRow(QStringLiteral("select 'sales invoice ' || invoice || ' (' || trans || ')', dat from salesmain union all "
+                                "select 'purchase voucher ' || pono || ' (' || trans || ')', dat from purchasemain union all "
+                                "select type || ' ' || refno, dat from ledger"),
+                 [&](const SqliteRow &row) {
+                     if (!row.isNull(1) && bad.contains(row.text(1)))
+                         named << QStringLiteral("%1: date '%2'").arg(row.text(0), row.text(1));
+                 });
+    return named;
 }
 
-// The Receipt screen's total of one receiving account: its list's Amount column walked in the
-// order the engine gives it, each added into a single-precision sum.
-double receiptScreenTotal(SqliteFile &file, const QString &account)
+// The ledger's opening rows for what closes: one receipt per receiving account carrying its
+// receipts, one payment carrying the payments, and per account an "opening" row with its
+// receipts and payments; every amount to the paisa, each with the overall balance at the cut-off.
+QStringList openingRows(SqliteFile &file, const CutOff &cut, const YearClosePlan &plan)
 {
-    float total = 0;
-    file.eachRow("select refno,dat as Date1,ac as Name_of_Account,credit as Amount from ledger where accnm=" + sqlLiteral(account)
-                     + " and type='receipt'",
-                 [&](const SqliteRow &row) {
-                     const QString type = row.type(3);
-                     const double amount = type == QLatin1String("integer") || type == QLatin1String("real") ? row.number(3) : val(row.text(3));
-                     total = toSingle(double(total) + amount);
-                 });
-    return double(total);
-}
-
-// The new contents: the books emptied, the stock lots without stock gone, the ledger replaced by
-// opening rows that carry every figure the screens compute.
-void carryForward(SqliteFile &file, const YearClosePlan &plan, const QString &dateText)
-{
-    const double credit = file.number(QStringLiteral("select sum(credit) from ledger where type='receipt'"));
-    const double debit = file.number(QStringLiteral("select sum(debit) from ledger where type='payment'"));
-    const bool anyPayment = file.number(QStringLiteral("select count(*) from ledger where type='payment'")) > 0;
     QStringList rows;
-    const QString opening = sqlLiteral(QLatin1String(Opening)), date = sqlLiteral(dateText), balance = sqlLiteral(plan.balance);
-    file.eachRow(QStringLiteral("select distinct accnm from ledger where type='receipt'"), [&](const SqliteRow &row) {
-        const double total = row.isNull(0) ? 0 : receiptScreenTotal(file, row.text(0));
-        rows << QStringLiteral("(0,%1,%2,%3,null,%4,'receipt',%5)").arg(date, opening, exact(total), row.isNull(0) ? "null" : sqlLiteral(row.text(0)), balance);
+    const QString closing = "not " + cut.after(), opening = sqlLiteral(QLatin1String(Opening)), date = sqlLiteral(plan.openingDate()),
+                  balance = sqlLiteral(plan.balance);
+    const auto name = [](const SqliteRow &row, int column) { return row.isNull(column) ? QStringLiteral("null") : sqlLiteral(row.text(column)); };
+    file.eachRow("select accnm, sum(credit) from ledger where type='receipt' and " + closing + " group by accnm", [&](const SqliteRow &row) {
+        rows << QStringLiteral("(0,%1,%2,%3,null,%4,'receipt',%5)").arg(date, opening, paisa(row, 1), name(row, 0), balance);
     });
-    if (anyPayment)
-        rows << QStringLiteral("(0,%1,%2,null,%3,null,'payment',%4)").arg(date, opening, exact(debit), balance);
-    file.eachRow(QStringLiteral("select ac, sum(credit), sum(debit) from ledger group by ac"), [&](const SqliteRow &row) {
-        rows << QStringLiteral("(0,%1,%2,%3,%4,null,'opening',%5)")
-                    .arg(date, row.isNull(0) ? "null" : sqlLiteral(row.text(0)), row.isNull(1) ? "null" : exact(row.number(1)),
-                         row.isNull(2) ? "null" : exact(row.number(2)), balance);
+    file.eachRow("select sum(debit) from ledger where type='payment' and " + closing + " having count(*) > 0", [&](const SqliteRow &row) {
+        rows << QStringLiteral("(0,%1,%2,null,%3,null,'payment',%4)").arg(date, opening, paisa(row, 0), balance);
     });
-    file.execute(QStringLiteral("delete from sales; delete from salesmain; delete from purchase; delete from purchasemain; "
-                                "delete from stock where stk = 0; delete from ledger"));
+    file.eachRow("select ac, sum(credit), sum(debit) from ledger where " + closing + " group by ac", [&](const SqliteRow &row) {
+        rows << QStringLiteral("(0,%1,%2,%3,%4,null,'opening',%5)").arg(date, name(row, 0), paisa(row, 1), paisa(row, 2), balance);
+    });
+    return rows;
+}
+
+// The new contents: the documents up to the cut-off gone, every stock lot as it stands, the
+// ledger's closing rows replaced by opening rows that carry every figure the screens compute.
+void carryForward(SqliteFile &file, const YearClosePlan &plan, const QString &closedOn)
+{
+    const CutOff cut(plan.cutOff);
+    const QStringList rows = openingRows(file, cut, plan);
+    cut.keepOnly(file, true);
     if (!rows.isEmpty())
         file.execute("insert into ledger(refno,dat,ac,credit,debit,accnm,type,balance) values " + rows.join(QLatin1Char(',')));
-    // The receiving accounts' totals are single-precision sums; one of them takes the little
-    // that makes the receipts add up to the very total the engine added before.
-    for (int tries = 0; tries < 4; ++tries) {
-        const double now = file.number(QStringLiteral("select sum(credit) from ledger where type='receipt'"));
-        if (now == credit)
-            break;
-        file.execute(QStringLiteral("update ledger set credit = credit + %1 where rowid = (select rowid from ledger where type='receipt' "
-                                    "order by abs(credit) desc limit 1)").arg(exact(credit - now)));
-    }
     file.execute(QStringLiteral("insert into closedyears(name, closed, file) values(%1, %2, %3)")
-                     .arg(sqlLiteral(plan.name), date, sqlLiteral(QStringLiteral("years/") + QFileInfo(plan.yearFile).fileName())));
+                     .arg(sqlLiteral(plan.name), sqlLiteral(closedOn), sqlLiteral(QStringLiteral("years/") + QFileInfo(plan.yearFile).fileName())));
 }
 
-// The year's file ends its log with the close; returns the hash the log ends on.
-QByteArray noteTheClose(const QString &yearFile, const YearClosePlan &plan)
+// The closed year's file keeps the documents up to the cut-off (those after it are deleted
+// there through the log, as the program's) and ends its log with the close; returns the hash
+// the log ends on.
+QByteArray closeTheYearsFile(const QString &yearFile, const YearClosePlan &plan)
 {
     SqliteFile file(yearFile, SqliteFile::Access::ReadWrite);
+    registerSqlFunctions(file.handle(), ShortDate());
+    if (const QString failed = attachEditLog(file.handle()); !failed.isEmpty())
+        throw UnhandledError(failed);
+    CutOff(plan.cutOff).keepOnly(file, false);
     writeEditLogNote(file.handle(), QStringLiteral("close"),
-                     QStringLiteral("The year %1 is closed: this file keeps its books and is not written again.").arg(plan.name));
+                     QStringLiteral("The year %1 is closed: this file keeps its books up to %2 and is not written again.")
+                         .arg(plan.name, ShortDate().text(plan.cutOff)));
     return lastEditLogHash(file.handle());
 }
 
@@ -121,6 +151,21 @@ void restartEditLog(SqliteFile &file, const YearClosePlan &plan, const QByteArra
                      QString::fromLatin1(yearsLastHash));
 }
 
+// Why a close up to CUTOFF cannot be: not a year's last day, after today, or a year already closed.
+QString cutOffProblem(const QString &database, const FinancialYear &year, const QDate &cutOff, const QDate &today)
+{
+    if (!year.isYearEnd(cutOff))
+        return QStringLiteral("%1 is not the last day of a financial year (the year starts on %2).")
+            .arg(ShortDate().text(cutOff), QDate(2000, year.startMonth, year.startDay).toString(QStringLiteral("d MMMM")));
+    if (cutOff > today)
+        return QStringLiteral("The year ending %1 has not ended yet.").arg(ShortDate().text(cutOff));
+    const QString name = year.nameOf(cutOff);
+    for (const auto &[closed, file] : closedYears(database))
+        if (closed.left(7) >= name)
+            return QStringLiteral("The year %1 is closed already, its books kept in %2.").arg(closed, QDir::toNativeSeparators(file));
+    return QString();
+}
+
 } // namespace
 
 QString FinancialYear::nameOf(const QDate &day) const
@@ -129,15 +174,27 @@ QString FinancialYear::nameOf(const QDate &day) const
     return QStringLiteral("%1-%2").arg(first).arg((first + 1) % 100, 2, 10, QLatin1Char('0'));
 }
 
+QDate FinancialYear::lastCompleteYearEnd(const QDate &day) const
+{
+    const QDate start(day.year(), startMonth, startDay);
+    return (day < start ? start.addYears(-1) : start).addDays(-1);
+}
+
 QString YearClosePlan::refusal() const
 {
-    if (!unsettled.isEmpty()) {
-        QStringList shown = unsettled.mid(0, 20);
-        if (unsettled.size() > 20)
-            shown << QStringLiteral("and %1 more").arg(unsettled.size() - 20);
+    const auto listed = [](const QStringList &items) {
+        QStringList shown = items.mid(0, 20);
+        if (items.size() > 20)
+            shown << QStringLiteral("and %1 more").arg(items.size() - 20);
+        return shown.join(QLatin1Char('\n'));
+    };
+    if (!cutOffProblem.isEmpty())
+        return QStringLiteral("The year cannot be closed: ") + cutOffProblem;
+    if (!unreadable.isEmpty())
+        return QStringLiteral("The year cannot be closed while dates cannot be read (Tools > Correct a Date...):\n") + listed(unreadable);
+    if (!unsettled.isEmpty())
         return QStringLiteral("The year cannot be closed while invoices or vouchers are open. Settle (End Inventory) or cancel "
-                              "these first:\n") + shown.join(QLatin1Char('\n'));
-    }
+                              "these first:\n") + listed(unsettled);
     if (!findings.isEmpty())
         return QStringLiteral("The year cannot be closed until the check finds nothing (vantrel-check):\n") + findings;
     return QString();
@@ -145,59 +202,76 @@ QString YearClosePlan::refusal() const
 
 QString YearClosePlan::question() const
 {
-    return QStringLiteral("Close the year %1?\n\n"
-                          "%2 invoice(s), %3 voucher(s), %4 receipt(s) and %5 payment(s) go into %6, which is never written again.\n"
-                          "%7 stock lot(s) that hold stock stay as they are; %8 without stock go.\n"
-                          "The ledger starts again with opening rows for %9 account(s), carrying the balance %10.\n"
-                          "Invoices, vouchers, receipts and payments are numbered from 1 again.\n"
+    const bool nothingStays = invoicesStaying + vouchersStaying + receiptsStaying + paymentsStaying == 0;
+    return QStringLiteral("Close the year %1, up to %2?\n\n"
+                          "%3 invoice(s), %4 voucher(s), %5 receipt(s) and %6 payment(s) dated up to %2 go into %7, which is never written again.\n"
+                          "%8 invoice(s), %9 voucher(s), %10 receipt(s) and %11 payment(s) dated after it stay, with their numbers.\n"
+                          "Every stock lot (%12) stays as it is.\n"
+                          "The ledger starts with opening rows dated %13 for %14 account(s), carrying the balance %15.\n"
+                          "%16\n"
                           "A backup is taken first.")
-        .arg(name)
+        .arg(name, ShortDate().text(cutOff))
         .arg(invoices)
         .arg(vouchers)
         .arg(receipts)
         .arg(payments)
         .arg(QDir::toNativeSeparators(yearFile))
-        .arg(lotsKept)
-        .arg(lotsDropped)
+        .arg(invoicesStaying)
+        .arg(vouchersStaying)
+        .arg(receiptsStaying)
+        .arg(paymentsStaying)
+        .arg(lots)
+        .arg(openingDate())
         .arg(accounts)
-        .arg(balance);
+        .arg(balance,
+             nothingStays ? QStringLiteral("Invoices, vouchers, receipts and payments are numbered from 1 again.")
+                          : QStringLiteral("Each series goes on after the highest number that stays; a series with nothing left starts at 1 again."));
 }
 
-YearClosePlan planYearClose(const QString &database, const FinancialYear &year, const QDate &today)
+QString YearClosePlan::openingDate() const { return ShortDate().text(cutOff.addDays(1)); }
+
+YearClosePlan planYearClose(const QString &database, const FinancialYear &year, const QDate &cutOff, const QDate &today)
 {
     YearClosePlan plan;
+    plan.cutOff = cutOff;
+    plan.name = year.nameOf(cutOff);
+    plan.yearFile = QDir(yearsFolder(database)).filePath(plan.name + QStringLiteral(".accdb"));
+    plan.cutOffProblem = cutOffProblem(database, year, cutOff, today);
+    if (!plan.cutOffProblem.isEmpty())
+        return plan;
     {
         SqliteFile file(database, SqliteFile::Access::ReadOnly);
-        const QDate newest = newestDate(file);
-        plan.name = year.nameOf(newest.isValid() ? newest : today);
-        const auto count = [&file](const char *sql) { return int(file.number(QLatin1String(sql))); };
-        plan.invoices = count("select count(*) from salesmain");
-        plan.vouchers = count("select count(*) from purchasemain");
-        plan.receipts = count("select count(*) from ledger where type='receipt'");
-        plan.payments = count("select count(*) from ledger where type='payment'");
-        plan.lotsDropped = count("select count(*) from stock where stk = 0");
-        plan.lotsKept = count("select count(*) from stock") - plan.lotsDropped;
-        plan.accounts = count("select count(distinct coalesce(ac, '')) from ledger");
-        const float credit = toSingle(file.number(QStringLiteral("select sum(credit) from ledger where type='receipt'")));
-        const float debit = toSingle(file.number(QStringLiteral("select sum(debit) from ledger where type='payment'")));
+        plan.unreadable = unreadableDates(file);
+        if (!plan.unreadable.isEmpty())
+            return plan;
+        registerSqlFunctions(file.handle(), ShortDate());
+        const CutOff cut(cutOff);
+        const auto count = [&file](const QString &sql) { return int(file.number(sql)); };
+        const auto counts = [&](const QString &rows, int &closing, int &staying) {
+            staying = count("select count(*) from " + rows + " and " + cut.after());
+            closing = count("select count(*) from " + rows + " and not " + cut.after());
+        };
+        counts(QStringLiteral("salesmain where 1"), plan.invoices, plan.invoicesStaying);
+        counts(QStringLiteral("purchasemain where 1"), plan.vouchers, plan.vouchersStaying);
+        counts(QStringLiteral("ledger where type='receipt'"), plan.receipts, plan.receiptsStaying);
+        counts(QStringLiteral("ledger where type='payment'"), plan.payments, plan.paymentsStaying);
+        plan.lots = count(QStringLiteral("select count(*) from stock"));
+        plan.accounts = count("select count(distinct coalesce(ac, '')) from ledger where not " + cut.after());
+        const float credit = toSingle(file.number("select sum(credit) from ledger where type='receipt' and not " + cut.after()));
+        const float debit = toSingle(file.number("select sum(debit) from ledger where type='payment' and not " + cut.after()));
         plan.balance = singleText(toSingle(credit <= debit ? double(debit) - double(credit) : double(credit) - double(debit)));
-        file.eachRow(QStringLiteral("select 'sales invoice ' || invoice || ' (' || trans || ') of ' || party from sales where status='u' "
-                                    "union select 'purchase voucher ' || pono || ' (' || trans || ') of ' || party from purchase where status='u'"),
+        file.eachRow("select 'sales invoice ' || invoice || ' (' || trans || ') of ' || party from sales where status='u' and not "
+                         + cut.salesLine() + " union select 'purchase voucher ' || pono || ' (' || trans || ') of ' || party from purchase "
+                         "where status='u' and not " + cut.purchaseLine(),
                      [&plan](const SqliteRow &row) { plan.unsettled << row.text(0); });
     }
-    QString name = plan.name;
-    for (int n = 2; QFileInfo::exists(QDir(yearsFolder(database)).filePath(name + QStringLiteral(".accdb"))); ++n)
-        name = plan.name + QStringLiteral("-%1").arg(n);
-    plan.name = name;
-    plan.yearFile = QDir(yearsFolder(database)).filePath(name + QStringLiteral(".accdb"));
     const CheckReport report = checkShopFile(database, CheckDepth::Full);
     if (!report.clean())
         plan.findings = report.text();
     return plan;
 }
 
-void closeYear(const QString &database, const YearClosePlan &plan, const QDateTime &now, const QString &dateText,
-               const std::function<void(int)> &progress)
+void closeYear(const QString &database, const YearClosePlan &plan, const QDateTime &now, const std::function<void(int)> &progress)
 {
     const auto done = [&progress](int percent) {
         if (progress)
@@ -214,14 +288,15 @@ void closeYear(const QString &database, const YearClosePlan &plan, const QDateTi
     removeUnfinished(part);
     removeUnfinished(next);
     Backups::copyToNewFile(database, part);
-    const QByteArray yearsLastHash = noteTheClose(part, plan);
+    const QByteArray yearsLastHash = closeTheYearsFile(part, plan);
     done(40);
     Backups::copyToNewFile(database, next);
     {
         SqliteFile file(next, SqliteFile::Access::ReadWrite);
+        registerSqlFunctions(file.handle(), ShortDate());
         file.execute(QStringLiteral("begin immediate"));
         file.execute(dropEditLogTriggersText());
-        carryForward(file, plan, dateText);
+        carryForward(file, plan, ShortDate().text(now.date()));
         restartEditLog(file, plan, yearsLastHash);
         file.execute(QStringLiteral("commit"));
     }

@@ -16,6 +16,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
+#include <cups/cups.h>
 #include <QMdiArea>
 #include <QMdiSubWindow>
 #include <QProcess>
@@ -132,6 +133,7 @@ QString startPrintServer(const QString &queue)
     if (cupsd.state() != QProcess::Running) {
         cupsd.start(QStringLiteral(VANTREL_PRINTSERVER), {folder.path(), queue});
         qputenv("CUPS_SERVER", QFile::encodeName(socket));
+        cupsSetServer(QFile::encodeName(socket).constData()); // the print system's library keeps the server it found first
         QDeadlineTimer deadline(10000);
         while (!QFile::exists(socket) && cupsd.state() != QProcess::NotRunning && !deadline.hasExpired())
             cupsd.waitForFinished(50);
@@ -260,6 +262,10 @@ void StepDesk::step(const QString &verb, const QString &argument)
         m_screen = m_window->mdiArea()->activeSubWindow() ? static_cast<QWidget *>(m_window->mdiArea()->activeSubWindow()->widget()) : nullptr;
     } else if (verb == "option") {
         shop.dialogs.choices << argument.toInt();
+    } else if (verb == "day") {
+        shop.dialogs.days << QDate::fromString(argument, QStringLiteral("MM/dd/yyyy"));
+    } else if (verb == "today") {
+        shop.clock.day = QDate::fromString(argument, QStringLiteral("MM/dd/yyyy"));
     } else if (verb == "start" || verb == "reopen") {
         // start ENTRY MODE [PARTY]: a new document of the mode, the party picked from its list;
         // reopen ENTRY MODE NUMBER: the document of that number and mode brought back by Enter.
@@ -419,6 +425,12 @@ void StepDesk::step(const QString &verb, const QString &argument)
         failure = same(argument, target(name)->isEnabled() ? "yes" : "no", value);
     } else if (verb == "shown") {
         failure = same(argument, target(name)->isVisibleTo(m_screen) ? "yes" : "no", value);
+    } else if (verb == "buttons") {
+        QStringList enabled;
+        for (const QPushButton *button : m_screen->findChildren<QPushButton *>())
+            if (button->isEnabled())
+                enabled << button->text();
+        failure = same("the enabled buttons", enabled.join(QLatin1Char(',')), argument);
     } else if (verb == "said") {
         failure = sameLines("the messages", shop.dialogs.shown.mid(m_said), argument);
         m_said = int(shop.dialogs.shown.size());

@@ -19,7 +19,8 @@ using Rows = QList<QStringList>;
 // step the runner does not know fails the case, as does the first failing check; either names the line.
 // TARGET is an on-screen label, a grid's role or a button's caption.
 //   acting: open ENTRY (the menu entry's name) | window TITLE | start ENTRY MODE [PARTY] | reopen ENTRY
-//     MODE NUMBER | add CODE QTY [RATE] | type/set TARGET=TEXT (key by key, at once) | clear TARGET |
+//     MODE NUMBER | today MM/DD/YYYY (the clock's) | day MM/DD/YYYY (the next date asked; "-" drops it)
+//     | add CODE QTY [RATE] | type/set TARGET=TEXT (key by key, at once) | clear TARGET |
 //     key TARGET=KEY | focus TARGET | click TARGET (a mouse click) | cell GRID=ROW,COL | pick
 //     FIELD=TEXT>LIST | choose BOX=TEXT | date PICKER=MM/DD/YYYY | yes | no | option N (the next list's
 //     pick, from 0) | force CAPTION (enables it) | exec SQL | setting KEY=VALUE | cups QUEUE (a print
@@ -28,7 +29,8 @@ using Rows = QList<QStringList>;
 //     file's write lock, lets it go)
 //   seeing: field TARGET=TEXT | grid GRID=ROW,COL=TEXT | rows GRID=COUNT (with the heading) | list
 //     GRID=a,b | c,d (every data row, any order) | top GRID=a,b (the first rows, "*" any cell) | width
-//     GRID=HEADING=TWIPS | focused TARGET | enabled/shown TARGET=yes|no | said M1 | M2 (the messages
+//     GRID=HEADING=TWIPS | focused TARGET | enabled/shown TARGET=yes|no | buttons B1,B2 (the screen's
+//     enabled buttons, all of them) | said M1 | M2 (the messages
 //     since the last said; "..." any text) | sql QUERY => a,b | c,d | fails SQL => MESSAGE | same FAST
 //     => STATED (a faster form gives what the statement as it stands gives) | shell SQL => OUTPUT (the
 //     sqlite3 shell) | check F1 | F2 (the full check's findings, then its notes; quick: the quick

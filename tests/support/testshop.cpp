@@ -27,6 +27,12 @@ int ScriptedDialogs::choose(const QString &question, const QStringList &items)
     return choices.takeFirst();
 }
 
+QDate ScriptedDialogs::askDate(const QString &question, const QDate &proposed)
+{
+    shown << question + QStringLiteral(" [") + proposed.toString(QStringLiteral("MM/dd/yyyy")) + QLatin1Char(']');
+    return days.isEmpty() ? proposed : days.takeFirst();
+}
+
 QString errorOf(const std::function<void()> &action)
 {
     try {

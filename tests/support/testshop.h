@@ -29,6 +29,9 @@ public:
     void inform(const QString &message) override { shown << message; }
     bool ask(const QString &question) override;
     int choose(const QString &question, const QStringList &items) override;
+    // Recorded as "QUESTION [MM/DD/YYYY]" with the day proposed; answered from the script of days
+    // (an invalid one drops the question), else with the day proposed, as Enter takes it.
+    QDate askDate(const QString &question, const QDate &proposed) override;
     // Recorded as "preview DOCUMENT: N lines" and answered as a question is.
     bool previewPrintout(const QString &document, const QStringList &lines) override
     {
@@ -38,6 +41,7 @@ public:
     QStringList shown;
     QList<bool> answers;
     QList<int> choices;
+    QList<QDate> days;
     bool answerYes = false; // every question nobody scripted answered Yes, as a worker at random work
 };
 
