@@ -64,7 +64,8 @@ private slots:
                                  "prpt=Purchase Report|  pdb=Day Book > Purchase Day Book|  dtprpt=DateWise Purchase Report > Purchase Datewise Report|"
                                  "  prpur=Partywise Purchase Report > Partywise Purchase Report|stk=Stock|  stksum=Stock Summary > Stock|tools=Tools|"
                                  "  closeyear=Close Year...|  pastyear=Past Year...|  editlog=Edit Log > Edit Log|  exportxlsx=Export to Excel|"
-                                 "  exportcsv=Export to CSV|  lastprint=Last Printout > Last Printout|  settings=Settings... > Settings");
+                                 "  exportcsv=Export to CSV|  lastprint=Last Printout > Last Printout|  settings=Settings... > Settings|"
+                                 "  datefix=Correct a Date... > Correct a Date");
         // Each control of each screen that takes the keyboard has a name, a labelled one its label's text.
         for (QMdiSubWindow *window : p.screens()) {
             const QWidget *screen = window->widget();
@@ -82,13 +83,13 @@ private slots:
         }
         QPointer<Screen> sales = p.window().screen("sale");
         p.window().findChild<QAction *>("sale")->trigger();
-        QCOMPARE(p.screens().size(), 17);
+        QCOMPARE(p.screens().size(), 18);
         QCOMPARE(p.window().screen("sale"), sales.data());
         QVERIFY(p.shop.unhandledErrors.isEmpty());
         // A closed screen is unloaded; the next choice makes it anew.
         QTest::mouseClick(sales->findChild<QPushButton *>("cmdclose"), Qt::LeftButton);
         QTRY_VERIFY(sales.isNull());
-        QCOMPARE(p.screens().size(), 16);
+        QCOMPARE(p.screens().size(), 17);
         QVERIFY(p.window().openScreen("sale"));
     }
 

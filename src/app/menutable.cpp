@@ -2,6 +2,7 @@
 
 #include "accounts/ledgerscreen.h"
 #include "audit/editlogscreen.h"
+#include "corrections/correctdatescreen.h"
 #include "export/exportcommand.h"
 #include "printing/lastprintoutscreen.h"
 #include "settings/settingsscreen.h"
@@ -63,7 +64,8 @@ const QVector<Menu> &menuTable()
                    {"exportxlsx", "Export to Excel", nullptr, exportToWorkbookCommand, true, "F12"},
                    {"exportcsv", "Export to CSV", nullptr, exportToCsvCommand, true, "Shift+F12"},
                    {"lastprint", "Last Printout", make<LastPrintoutScreen>, nullptr, true},
-                   {"settings", "Settings...", make<SettingsScreen>}}},
+                   {"settings", "Settings...", make<SettingsScreen>},
+                   {"datefix", "Correct a Date...", make<CorrectDateScreen>}}},
     };
     return menus;
 }

@@ -5,6 +5,7 @@
 #include "widgets/clock.h"
 #include "widgets/datepicker.h"
 #include "widgets/grid.h"
+#include "printing/printout.h"
 #include "widgets/lineprinter.h"
 
 #include <QComboBox>
@@ -119,8 +120,8 @@ void EditLogScreen::printClicked()
 {
     static const int widths[] = {7, 23, 7, 6, 14, 7, 12, 25, 25};
     const QString rule(132, QLatin1Char('='));
-    QStringList lines = {spaces(15) + "COMPANY NAME", "", spaces(15) + "ADDRESS", "", rule, QStringLiteral("Edit Log"),
-                         "From " + m_from->text() + spaces(3) + "To " + m_to->text(), rule};
+    QStringList lines = printoutHead(15, true);
+    lines << rule << QStringLiteral("Edit Log") << "From " + m_from->text() + spaces(3) + "To " + m_to->text() << rule;
     for (int row = 0; row < m_changes->rows(); ++row) {
         QString line;
         for (int col = 1; col <= 9; ++col) {

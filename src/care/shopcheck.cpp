@@ -3,6 +3,7 @@
 #include "audit/editlogcheck.h"
 #include "data/records.h"
 #include "sqlitefile.h"
+#include "unreadabledates.h"
 
 #include <QSet>
 
@@ -165,6 +166,14 @@ public:
         }
     }
 
+    // A date kept as it was typed, which no date-wise register can read.
+    void dates()
+    {
+        for (const UnreadableDate &row : unreadableDates(m_file))
+            trace(QStringLiteral("A date no register can read"),
+                  QStringLiteral("%1: date '%2' cannot be read; every date-wise register fails on it").arg(row.document, shown(row.date)));
+    }
+
 private:
 
     // Whether any line carries the header's number; compared as numbers, as the join does.
@@ -224,6 +233,7 @@ CheckReport checkShopFile(const QString &path, CheckDepth depth)
     checker.ledger();
     checker.stock();
     checker.numbering();
+    checker.dates();
     checkEditLog(file, depth, report);
     return report;
 }

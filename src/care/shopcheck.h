@@ -35,7 +35,7 @@ constexpr int QuickTailRows = 5000;
 // Looks at a shop file without changing it: the engine's integrity check, sales and purchase
 // lines without their document, documents whose total differs from their lines or whose
 // number is used twice, ledger rows without a balance, stock rows whose stock is not bought
-// less sold, and numbering columns holding anything but a number. Throws UnhandledError when
+// less sold, numbering columns holding anything but a number, and dates no register can read. Throws UnhandledError when
 // the file cannot be opened or read.
 CheckReport checkShopFile(const QString &path, CheckDepth depth);
 

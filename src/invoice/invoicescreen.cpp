@@ -9,6 +9,7 @@
 #include "widgets/droppanel.h"
 #include "widgets/fieldevents.h"
 #include "widgets/grid.h"
+#include "printing/printout.h"
 #include "widgets/lineprinter.h"
 
 #include <QFrame>
@@ -243,9 +244,8 @@ void InvoiceScreen::printDocument(const QString &numberLine, int ruleWidth)
 {
     const QString rule(ruleWidth, QLatin1Char('='));
     const QString dashes(ruleWidth, QLatin1Char('-'));
-    QStringList lines = {
-        spaces(10) + "COMPANY NAME",
-        spaces(10) + "ADDRESS",
+    QStringList lines = printoutHead(10, false);
+    lines += {
         rule,
         numberLine,
         "Party:" + spaces(3) + m_party->text(),

@@ -29,6 +29,29 @@ void PrintSettings::write(QSettings &settings) const
     settings.setValue(QStringLiteral("printing/preview"), preview);
 }
 
+QStringList printoutHead(int indent, bool spaced)
+{
+    const QSettings settings;
+    QStringList head;
+    for (const auto &[key, placeholder] : {std::pair{"shop/name", "COMPANY NAME"}, std::pair{"shop/address", "ADDRESS"}}) {
+        const QString set = settings.value(QLatin1String(key)).toString().trimmed();
+        head << spaces(indent) + (set.isEmpty() ? QLatin1String(placeholder) : set);
+        if (spaced)
+            head << QString();
+    }
+    return head;
+}
+
+void writeShopHeading(QSettings &settings, const QString &name, const QString &address)
+{
+    for (const auto &[key, value] : {std::pair{"shop/name", name.trimmed()}, std::pair{"shop/address", address.trimmed()}}) {
+        if (value.isEmpty())
+            settings.remove(QLatin1String(key));
+        else
+            settings.setValue(QLatin1String(key), value);
+    }
+}
+
 QByteArray printoutBytes(const QStringList &lines)
 {
     QByteArray bytes;

@@ -22,6 +22,14 @@ struct PrintSettings {
     void write(QSettings &settings) const;
 };
 
+// The head of a printout: the shop's name, then its address, each after INDENT blanks and, when
+// SPACED (the registers), followed by an empty line. They are as the shop set them in Settings
+// ("shop/name", "shop/address"); one unset or blank prints as printouts have always printed it,
+// "COMPANY NAME" or "ADDRESS".
+QStringList printoutHead(int indent, bool spaced);
+// Keeps the shop's NAME and ADDRESS for the printouts' head; a blank one is forgotten.
+void writeShopHeading(QSettings &settings, const QString &name, const QString &address);
+
 // The bytes a printout is: each line in UTF-8 ended by CR LF, the same for the file and a queue.
 QByteArray printoutBytes(const QStringList &lines);
 

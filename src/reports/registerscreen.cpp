@@ -5,6 +5,7 @@
 #include "widgets/clock.h"
 #include "widgets/datepicker.h"
 #include "widgets/grid.h"
+#include "printing/printout.h"
 #include "widgets/lineprinter.h"
 
 #include <QDateEdit>
@@ -116,7 +117,7 @@ void RegisterScreen::printClicked()
 {
     const QString rule(46, QLatin1Char('='));
     const QString dashes(46, QLatin1Char('-'));
-    QStringList lines = {spaces(15) + "COMPANY NAME", "", spaces(15) + "ADDRESS", "", rule};
+    QStringList lines = printoutHead(15, true) << rule;
     lines << titleLines();
     lines << m_fromLabel + spaces(1) + m_from->text() + spaces(3) + m_toLabel + spaces(1) + m_to->text();
     lines << rule;

@@ -46,6 +46,10 @@ SettingsScreen::SettingsScreen(Services &services, QWidget *parent) : Screen(ser
     form->addRow(QString(), m_preview);
     m_exportFolder = addField(form, QStringLiteral("Export folder"));
     m_exportFolder->setText(exportFolder(services));
+    m_shopName = addField(form, QStringLiteral("Shop name on printouts"));
+    m_shopName->setText(settings.value(QStringLiteral("shop/name")).toString());
+    m_shopAddress = addField(form, QStringLiteral("Shop address on printouts"));
+    m_shopAddress->setText(settings.value(QStringLiteral("shop/address")).toString());
 
     auto *buttons = new QHBoxLayout;
     auto *save = new QPushButton(QStringLiteral("&Save"), this);
@@ -73,6 +77,7 @@ void SettingsScreen::saveClicked()
     } else {
         settings.setValue(QStringLiteral("export/folder"), m_exportFolder->text().trimmed());
     }
+    writeShopHeading(settings, m_shopName->text(), m_shopAddress->text());
     PrintSettings{m_printer->currentIndex() == 0 ? QString() : m_printer->currentText(), m_preview->isChecked()}.write(settings);
     settings.sync();
     dialogs().inform(settings.status() == QSettings::NoError ? QStringLiteral("The settings are saved.")

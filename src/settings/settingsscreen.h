@@ -8,8 +8,8 @@ class QComboBox;
 namespace vantrel {
 
 // "Settings...": what the program keeps in its own settings (never in the shop's file): the
-// financial year's start, where printouts go, whether each is shown first, and the folder
-// exports go into. Save writes them; they hold from the next action on.
+// financial year's start, where printouts go, whether each is shown first, the folder exports
+// go into, and the shop's name and address at the head of every printout. Save writes them; they hold from the next action on.
 class SettingsScreen final : public Screen {
     Q_OBJECT
 public:
@@ -22,6 +22,8 @@ private:
     QComboBox *m_printer;
     QCheckBox *m_preview;
     QLineEdit *m_exportFolder;
+    QLineEdit *m_shopName;
+    QLineEdit *m_shopAddress;
 };
 
 } // namespace vantrel

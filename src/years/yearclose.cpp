@@ -4,6 +4,7 @@
 #include "care/backups.h"
 #include "care/shopcheck.h"
 #include "care/sqlitefile.h"
+#include "care/unreadabledates.h"
 #include "data/records.h"
 #include "data/shortdate.h"
 #include "data/sqlfunctions.h"
@@ -12,7 +13,6 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QSet>
 #include <cmath>
 
 namespace vantrel {
@@ -63,30 +63,6 @@ struct CutOff {
                      + "; delete from ledger where " + no + after());
     }
 };
-
-// The documents whose date no register can read, each named with its date.
-QStringList unreadableDates(SqliteFile &file)
-{
-    const ShortDate form;
-    QSet<QString> bad;
-    file.eachRow(QStringLiteral("select distinct dat from salesmain where dat is not null union select distinct dat from purchasemain "
-                                "where dat is not null union select distinct dat from ledger where dat is not null"),
-                 [&](const SqliteRow &row) {
-                     if (!dateOfText(row.text(0), form).isValid())
-                         bad << row.text(0);
-                 });
-    QStringList named;
-    if (bad.isEmpty())
-        return named;
-    file.eachRow(QStringLiteral("select 'sales invoice ' || invoice || ' (' || trans || ')', dat from salesmain union all "
-                                "select 'purchase voucher ' || pono || ' (' || trans || ')', dat from purchasemain union all "
-                                "select type || ' ' || refno, dat from ledger"),
-                 [&](const SqliteRow &row) {
-                     if (!row.isNull(1) && bad.contains(row.text(1)))
-                         named << QStringLiteral("%1: date '%2'").arg(row.text(0), row.text(1));
-                 });
-    return named;
-}
 
 // The ledger's opening rows for what closes: one receipt per receiving account carrying its
 // receipts, one payment carrying the payments, and per account an "opening" row with its
@@ -241,7 +217,8 @@ YearClosePlan planYearClose(const QString &database, const FinancialYear &year, 
         return plan;
     {
         SqliteFile file(database, SqliteFile::Access::ReadOnly);
-        plan.unreadable = unreadableDates(file);
+        for (const UnreadableDate &row : unreadableDates(file))
+            plan.unreadable << QStringLiteral("%1: date '%2'").arg(row.document, row.date);
         if (!plan.unreadable.isEmpty())
             return plan;
         registerSqlFunctions(file.handle(), ShortDate());

@@ -29,7 +29,7 @@ MENUS = {"File": "Receipt|Ledger", "Transaction": "Sales|Purchase|Product master
          "Sales Report": "Day Book>Sales-Day Book|DateWise Sales Report>Sales Datewise Report|Partywise sales Report>Partywise Sales Report",
          "Purchase Report": "Day Book>Purchase Day Book|DateWise Purchase Report>Purchase Datewise Report|Partywise Purchase Report",
          "Stock": "Stock Summary>Stock",
-         "Tools": "Close Year...>|Past Year...>|Edit Log|Export to Excel>|Export to CSV>|Last Printout|Settings...>Settings"}
+         "Tools": "Close Year...>|Past Year...>|Edit Log|Export to Excel>|Export to CSV>|Last Printout|Settings...>Settings|Correct a Date...>Correct a Date"}
 ENTRIES = [(menu, entry, (caption or None) if sep else entry)
            for menu, entries in MENUS.items() for entry, sep, caption in (e.partition(">") for e in entries.split("|"))]
 
