@@ -4,6 +4,7 @@
 #include "menutable.h"
 #include "widgets/messageboxdialogs.h"
 #include "widgets/screen.h"
+#include "widgets/untakenaltkeys.h"
 
 #include <QEvent>
 #include <algorithm>
@@ -32,6 +33,7 @@ MainWindow::MainWindow(Services &services, const QString &closedYear, QWidget *p
     connect(m_mdiArea, &QMdiArea::subWindowActivated, this, &MainWindow::subWindowActivated);
     buildMenus(!closedYear.isEmpty());
     new ClosedMenuKeys(this);
+    new UntakenAltKeys(this);
     buildStatusLine();
     if (!closedYear.isEmpty())
         showNotice(QStringLiteral("The year %1 is closed: its books can be read and printed, not written.").arg(closedYear));

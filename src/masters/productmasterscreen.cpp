@@ -66,9 +66,12 @@ ProductMasterScreen::ProductMasterScreen(Services &services, QWidget *parent)
     m_products->hide();
 
     on(m_add, &QPushButton::clicked, &ProductMasterScreen::addClicked);
-    on(new FieldEvents(m_search), &FieldEvents::keyReleased, &ProductMasterScreen::companySearchKeyReleased);
+    auto *search = new FieldEvents(m_search);
+    on(search, &FieldEvents::keyReleased, &ProductMasterScreen::companySearchKeyReleased);
+    downEntersList(search, m_companies);
     on(m_companies, &Grid::chosen, &ProductMasterScreen::companyChosen);
     auto *code = new FieldEvents(m_companyCode);
+    downEntersList(code, m_products);
     on(code, &FieldEvents::keyReleased, &ProductMasterScreen::companyCodeKeyReleased);
     on(code, &FieldEvents::clicked, &ProductMasterScreen::companyCodeClicked);
     on(m_products, &Grid::chosen, &ProductMasterScreen::productChosen);

@@ -150,7 +150,11 @@ class Program:
         raise Failure("no %s named %r" % (role, name))
 
     def text(self, label, scope=None):
-        return self.widget(label, "text", scope).queryText().getText(0, -1)
+        """The text a field or a date picker shows."""
+        for acc in walk(scope or self.app):
+            if acc.name == label and acc.getRoleName() in ("text", "spin button"):
+                return acc.queryText().getText(0, -1)
+        raise Failure("no field named %r" % label)
 
     def showing(self, name, role="table", scope=None, state=pyatspi.STATE_SHOWING):
         self.app.clear_cache()  # states are cached and not every change is announced

@@ -66,14 +66,30 @@ CASES = {
         menu Party master; tab Party Name :; type rav; list party list; keys Down Return; field Party ID=3
         field Party Name :=RAVI MEDICALS""",
 
-    # The question's default is No: a bare Enter closes nothing. Yes closes the year, and the
-    # keyboard is back in a fresh Sales screen.
+    # Enter takes the last day proposed; the question's default is No: a bare Enter closes
+    # nothing. Yes closes the year, and the keyboard is back in a fresh Sales screen.
     "closing the year from the keyboard": """
-        keys F10 Right Right Right Right Right Return; box Close the year 2026-27?...=Return; nobox
-        sql select count(*) from salesmain => 3
-        keys F10 Right Right Right Right Right Return; box Close the year 2026-27?...=alt+y
-        box The year 2026-27 is closed, its books kept in...=Return; in Sales; focus C/D; nobox
+        keys F10 Right Right Right Right Right Return; box Close the books up to the last day of the year:=Return
+        box Close the year 20...=Return; nobox; sql select count(*) from salesmain => 3
+        keys F10 Right Right Right Right Right Return; box Close the books up to the last day of the year:=Return
+        box Close the year 20...=alt+y; box The year 20...=Return; in Sales; focus C/D; nobox
         sql select count(*) from salesmain => 0""",
+
+    # With End Inventory greyed, Alt+E is nobody's: it must not reach the mode field as an "E"
+    # (the release of Alt itself is a key released there, as any key is).
+    "an Alt letter that no button takes types nothing": """
+        keys alt+e; nobox; field C/D=; backtab C/D; fast alt+e alt+q alt+z; nobox; field C/D=
+        backtab C/D; type c; field Invoice No :=2; focus Party:; keys alt+q; nobox; field Party:=""",
+
+    "Down enters the Product Master's lists": """
+        menu Product master; focus Company Code; type pa; keys Down; focus product list; keys Return; field Product Name=PANADOL
+        keys alt+a; focus search; type ci; keys Down; focus company list; keys Return; field Company Code=CIP
+        keys alt+a ctrl+a; fast s u Down Return; field Company Code=SUN; nobox""",
+
+    # Each section filled by its digits moves on: the separator after it must not skip the next.
+    "a whole date typed into a date picker": """
+        menu DateWise Sales Report; tab From; type 11/01/2026; field From=11/01/2026
+        tab To; fast 1 2 slash 0 5 slash 2 0 2 6; field To=12/05/2026; nobox""",
 
     # The changes of today, narrowed to a party, printed, and exported with one key each way.
     "the edit log read, printed and exported from the keyboard": """
@@ -102,7 +118,9 @@ CASES = {
         fast F10 Right Down Return c; in Purchase; field Purchse Order No :=2""",
 }
 
-SETTLED = "update sales set status='p'; update purchase set status='p';"
+# The year to close: everything settled and dated in March of the last complete year.
+SETTLED = ("update sales set status='p'; update purchase set status='p'; update salesmain set dat='3/20/2026';"
+           "update purchasemain set dat='3/20/2026'; update ledger set dat='3/20/2026';")
 
 
 def case(name, steps):
