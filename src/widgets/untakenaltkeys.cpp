@@ -2,21 +2,10 @@
 
 #include <QAbstractItemView>
 #include <QAbstractSpinBox>
-#include <QCoreApplication>
 #include <QKeyEvent>
 #include <QLineEdit>
 
 namespace vantrel {
-
-UntakenAltKeys::UntakenAltKeys(QObject *parent) : QObject(parent)
-{
-    QCoreApplication::instance()->installEventFilter(this);
-}
-
-UntakenAltKeys::~UntakenAltKeys()
-{
-    QCoreApplication::instance()->removeEventFilter(this);
-}
 
 bool UntakenAltKeys::eventFilter(QObject *watched, QEvent *event)
 {

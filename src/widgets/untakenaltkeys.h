@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QObject>
+#include "applicationfilter.h"
 
 namespace vantrel {
 
@@ -8,11 +8,10 @@ namespace vantrel {
 // types nothing in the program's fields and lists. Qt's fields would otherwise take it as the
 // bare character, and a field that acts on every key (the mode field) would act on it. Both its
 // press and its release are held back. Watches the whole application while it lives.
-class UntakenAltKeys final : public QObject {
+class UntakenAltKeys final : public ApplicationFilter {
     Q_OBJECT
 public:
-    explicit UntakenAltKeys(QObject *parent);
-    ~UntakenAltKeys() override;
+    explicit UntakenAltKeys(QObject *parent) : ApplicationFilter(parent) {}
 
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override;

@@ -5,16 +5,6 @@
 
 namespace vantrel {
 
-UpperCaseFilter::UpperCaseFilter(QWidget *scope) : QObject(scope), m_scope(scope)
-{
-    QCoreApplication::instance()->installEventFilter(this);
-}
-
-UpperCaseFilter::~UpperCaseFilter()
-{
-    QCoreApplication::instance()->removeEventFilter(this);
-}
-
 bool UpperCaseFilter::eventFilter(QObject *watched, QEvent *event)
 {
     if (event->type() != QEvent::KeyPress && event->type() != QEvent::KeyRelease)

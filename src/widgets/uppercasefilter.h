@@ -1,7 +1,7 @@
 #pragma once
 
-#include <QObject>
-#include <QPointer>
+#include "applicationfilter.h"
+
 #include <QWidget>
 
 namespace vantrel {
@@ -10,11 +10,10 @@ namespace vantrel {
 // Letters change; digits, signs and keys without text pass as they are. It watches the whole
 // application (so it also covers fields made later, and runs before any field's own watchers)
 // and acts on key events for the scope widget and everything inside it. Owned by the scope.
-class UpperCaseFilter final : public QObject {
+class UpperCaseFilter final : public ApplicationFilter {
     Q_OBJECT
 public:
-    explicit UpperCaseFilter(QWidget *scope);
-    ~UpperCaseFilter() override;
+    explicit UpperCaseFilter(QWidget *scope) : ApplicationFilter(scope), m_scope(scope) {}
 
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
