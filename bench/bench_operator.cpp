@@ -12,7 +12,7 @@
 // file), their ratio and the budget.
 #include "app/mainwindow.h"
 #include "app/program.h"
-#include "audit/editlog.h"
+#include "data/editlog.h"
 #include "care/sqlitefile.h"
 #include "data/connectionstring.h"
 #include "data/database.h"

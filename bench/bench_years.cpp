@@ -13,8 +13,8 @@
 #include "widgets/clock.h"
 #include "widgets/dialogs.h"
 #include "widgets/services.h"
-#include "years/schemaupgrade.h"
-#include "years/yearclose.h"
+#include "care/schemaupgrade.h"
+#include "care/yearclose.h"
 
 #include <QApplication>
 #include <QDir>

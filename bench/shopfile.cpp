@@ -1,6 +1,6 @@
 #include "shopfile.h"
 
-#include "audit/editlog.h"
+#include "data/editlog.h"
 
 #include "care/sqlitefile.h"
 #include "data/schema.h"

@@ -6,7 +6,7 @@
 //   test_kills --kills N | --together N | --closes N [--seed S]    (the soak runs more)
 //   test_kills --worker DIR SEED | --close DIR                       (started by the tests)
 #include "support/steps.h"
-#include "years/yearclose.h"
+#include "care/yearclose.h"
 
 #include <QCryptographicHash>
 #include <QElapsedTimer>

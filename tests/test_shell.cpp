@@ -2,7 +2,7 @@
 #include "app/mainwindow.h"
 #include "app/program.h"
 #include "support/testshop.h"
-#include "widgets/lineprinter.h"
+#include "output/lineprinter.h"
 #include "widgets/screen.h"
 
 #include <QAbstractItemView>

@@ -2,9 +2,9 @@
 // of a series' end are in tests/cases/years.txt.)
 #include "care/backups.h"
 #include "data/records.h"
-#include "years/schemaupgrade.h"
-#include "years/shoppresence.h"
-#include "years/yearclose.h"
+#include "care/schemaupgrade.h"
+#include "care/shoppresence.h"
+#include "care/yearclose.h"
 #include "support/steps.h"
 
 

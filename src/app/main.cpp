@@ -2,11 +2,11 @@
 #include "app/program.h"
 #include "data/unhandlederror.h"
 #include "widgets/clock.h"
-#include "widgets/messageboxdialogs.h"
-#include "years/schemaupgrade.h"
-#include "years/serieswarning.h"
-#include "years/shoppresence.h"
-#include "years/yearclose.h"
+#include "app/messageboxdialogs.h"
+#include "care/schemaupgrade.h"
+#include "care/serieswarning.h"
+#include "care/shoppresence.h"
+#include "care/yearclose.h"
 
 #include <QApplication>
 #include <QDir>

@@ -2,7 +2,9 @@
 
 #include "closedmenukeys.h"
 #include "menutable.h"
-#include "widgets/messageboxdialogs.h"
+#include "pastyearwindow.h"
+#include "data/unhandlederror.h"
+#include "messageboxdialogs.h"
 #include "widgets/screen.h"
 #include "widgets/untakenaltkeys.h"
 
@@ -110,6 +112,22 @@ void MainWindow::closeAllScreens()
     for (QMdiSubWindow *window : m_mdiArea->subWindowList()) {
         m_mdiArea->removeSubWindow(window);
         delete window;
+    }
+}
+
+QWidget *MainWindow::activeScreen() const
+{
+    QMdiSubWindow *active = m_mdiArea->activeSubWindow();
+    return active ? active->widget() : nullptr;
+}
+
+void MainWindow::openPastYear(const QString &name, const QString &file)
+{
+    try {
+        auto *year = new PastYear(name, file, m_services, *this);
+        year->window()->openScreen(QStringLiteral("dwsrpt"));
+    } catch (const UnhandledError &error) {
+        m_services.dialogs.inform(error.message());
     }
 }
 

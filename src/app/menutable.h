@@ -10,9 +10,9 @@ struct Services;
 // Makes a screen of one kind; null for a menu entry whose screen the program does not have yet.
 using ScreenFactory = Screen *(*)(Services &services);
 
-class MainWindow;
+class Workspace;
 // Does what a menu entry does when it opens no screen (closing the year).
-using MenuCommand = void (*)(MainWindow &window, Services &services);
+using MenuCommand = void (*)(Workspace &workspace, Services &services);
 
 struct MenuEntry {
     const char *name;    // the command's name, the action's objectName ("rcpt")

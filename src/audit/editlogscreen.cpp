@@ -1,12 +1,12 @@
 #include "editlogscreen.h"
 
-#include "editlog.h"
+#include "data/editlog.h"
 #include "data/records.h"
 #include "widgets/clock.h"
 #include "widgets/datepicker.h"
 #include "widgets/grid.h"
-#include "printing/printout.h"
-#include "widgets/lineprinter.h"
+#include "output/printout.h"
+#include "output/lineprinter.h"
 
 #include <QComboBox>
 #include <QDateEdit>

@@ -1,6 +1,6 @@
 #include "shopcheck.h"
 
-#include "audit/editlogcheck.h"
+#include "care/editlogcheck.h"
 #include "data/records.h"
 #include "sqlitefile.h"
 #include "unreadabledates.h"

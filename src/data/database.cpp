@@ -1,11 +1,12 @@
 #include "database.h"
 
 #include "connectionstring.h"
+#include "editlog.h"
 #include "engineforms.h"
+#include "records.h"
 #include "shortdate.h"
 #include "sqlfunctions.h"
 #include "unhandlederror.h"
-#include "audit/editlog.h"
 
 #include <QSqlDriver>
 #include <QSqlError>
@@ -218,6 +219,38 @@ sqlite3_stmt *PendingQuery::statement() const
     if (qstrcmp(handle.typeName(), "sqlite3_stmt*") != 0)
         return nullptr;
     return *static_cast<sqlite3_stmt *const *>(handle.constData());
+}
+
+bool PendingQuery::stepRow(QString &failure)
+{
+    sqlite3_stmt *row = statement();
+    const int step = row ? sqlite3_step(row) : SQLITE_DONE;
+    if (step != SQLITE_ROW && step != SQLITE_DONE)
+        failure = QString::fromUtf8(sqlite3_errmsg(sqlite3_db_handle(row)));
+    return step == SQLITE_ROW;
+}
+
+void PendingQuery::appendRow(int columns, QByteArray &text, QVector<quint32> &cellEnds, std::vector<bool> &numbers) const
+{
+    sqlite3_stmt *row = statement();
+    for (int i = 0; i < columns; ++i) {
+        const int type = sqlite3_column_type(row, i);
+        numbers.push_back(type == SQLITE_INTEGER || type == SQLITE_FLOAT);
+        switch (type) {
+        case SQLITE_NULL:
+            break;
+        case SQLITE_INTEGER:
+            text += QByteArray::number(sqlite3_column_int64(row, i));
+            break;
+        case SQLITE_FLOAT:
+            text += doubleText(sqlite3_column_double(row, i)).toUtf8();
+            break;
+        default: // a text, or bytes, which the grid shows as text
+            text.append(reinterpret_cast<const char *>(sqlite3_column_text(row, i)), sqlite3_column_bytes(row, i));
+            break;
+        }
+        cellEnds << quint32(text.size());
+    }
 }
 
 // The statement ends, which ends its reading of the file, before its connection is spare.

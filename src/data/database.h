@@ -8,6 +8,7 @@
 #include <QString>
 #include <QVector>
 #include <functional>
+#include <vector>
 
 struct sqlite3_stmt;
 
@@ -27,14 +28,22 @@ public:
     ~PendingQuery();
 
     QSqlQuery &query() { return m_query; }
-    // The engine's statement under the query, to read the rows from the first one on without
-    // making a value of each: once next() has taken the first row, the statement stands on it,
-    // and stepping it gives the rows after. Null when the query is not open.
-    sqlite3_stmt *statement() const;
+    // The rows read straight from the engine, without making a value of each: once next() has
+    // taken the first row, the query stands on it, and stepRow() moves to the rows after.
+    // Moves to the next row; false at the end, or when the engine could not produce it (FAILURE
+    // says why then).
+    bool stepRow(QString &failure);
+    // The row the query stands on, as a grid shows it: each of its COLUMNS values' text appended
+    // to TEXT (a text's own UTF-8, a whole number's digits, a real number's doubleText(), nothing
+    // for a null), where each ends into CELLENDS, and whether it is a number into NUMBERS.
+    void appendRow(int columns, QByteArray &text, QVector<quint32> &cellEnds, std::vector<bool> &numbers) const;
     bool isOpen() const { return m_db != nullptr; }
     void close();
 
 private:
+    // The engine's statement under the query; null when the query is not open.
+    sqlite3_stmt *statement() const;
+
     friend class Database;
     Database *m_db = nullptr;
     QString m_connection;

@@ -1,7 +1,7 @@
 #include "schema.h"
 
 #include "unhandlederror.h"
-#include "audit/editlog.h"
+#include "data/editlog.h"
 
 #include <QFile>
 #include <QStringList>

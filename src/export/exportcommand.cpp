@@ -1,16 +1,14 @@
 #include "exportcommand.h"
 
-#include "app/mainwindow.h"
+#include "data/programsettings.h"
 #include "listexport.h"
 #include "widgets/grid.h"
 #include "widgets/services.h"
+#include "widgets/workspace.h"
 
 #include <QApplication>
 #include <QDateEdit>
 #include <QDir>
-#include <QMdiArea>
-#include <QMdiSubWindow>
-#include <QSettings>
 
 namespace vantrel {
 
@@ -48,36 +46,30 @@ QString nameOf(QWidget *screen, Grid *grid)
     return name;
 }
 
-void exportActiveList(MainWindow &window, const Services &services, ExportFormat format)
+void exportActiveList(Workspace &workspace, const Services &services, ExportFormat format)
 {
-    QMdiSubWindow *active = window.mdiArea()->activeSubWindow();
-    Grid *grid = active ? listOf(active->widget()) : nullptr;
+    QWidget *active = workspace.activeScreen();
+    Grid *grid = active ? listOf(active) : nullptr;
     if (!grid) {
-        window.showNotice(QStringLiteral("Nothing was exported: this screen shows no list with rows."));
+        workspace.showNotice(QStringLiteral("Nothing was exported: this screen shows no list with rows."));
         return;
     }
-    const ExportResult result = exportGrid(*grid, exportFolder(services), nameOf(active->widget(), grid), format);
-    window.showNotice(result.failure.isEmpty()
+    const ExportResult result = exportGrid(*grid, ProgramSettings::read().exportFolderIn(services.programDirectory), nameOf(active, grid), format);
+    workspace.showNotice(result.failure.isEmpty()
                           ? QStringLiteral("Exported %1 row(s) to %2").arg(result.rows).arg(QDir::toNativeSeparators(result.path))
                           : QStringLiteral("Nothing was exported: %1").arg(result.failure));
 }
 
 } // namespace
 
-QString exportFolder(const Services &services)
+void exportToWorkbookCommand(Workspace &workspace, Services &services)
 {
-    const QString folder = QSettings().value(QStringLiteral("export/folder")).toString().trimmed();
-    return folder.isEmpty() ? QDir(services.programDirectory).filePath(QStringLiteral("exports")) : folder;
+    exportActiveList(workspace, services, ExportFormat::Workbook);
 }
 
-void exportToWorkbookCommand(MainWindow &window, Services &services)
+void exportToCsvCommand(Workspace &workspace, Services &services)
 {
-    exportActiveList(window, services, ExportFormat::Workbook);
-}
-
-void exportToCsvCommand(MainWindow &window, Services &services)
-{
-    exportActiveList(window, services, ExportFormat::Csv);
+    exportActiveList(workspace, services, ExportFormat::Csv);
 }
 
 } // namespace vantrel

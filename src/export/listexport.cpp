@@ -1,163 +1,22 @@
 #include "listexport.h"
 
-#include "data/shortdate.h"
-#include "data/sqlfunctions.h"
 #include "widgets/grid.h"
-
-#include <QDir>
-#include <QFile>
-#include <QRegularExpression>
-#include <QSaveFile>
-#include <xlsxwriter.h>
 
 namespace vantrel {
 
-namespace {
-
-// One cell as the spreadsheet takes it.
-struct Cell {
-    enum Kind { Text, Number, Date } kind = Text;
-    QString text;
-    double number = 0;
-    QDate date;
-};
-
-// The grid's cells, row 0 its headings; a register's fixed first column is left out.
-QVector<QVector<Cell>> cellsOf(Grid &grid)
-{
-    const ShortDate form;
-    // The short form's shape: its separators, one or two digits of day and month, four of the year.
-    QString pattern = QRegularExpression::escape(form.pattern());
-    pattern.replace(QRegularExpression(QStringLiteral("d+|M+")), QStringLiteral("\\d{1,2}")).replace(QStringLiteral("yyyy"), QStringLiteral("\\d{4}"));
-    const QRegularExpression shape(QRegularExpression::anchoredPattern(pattern));
-    const int rows = grid.rows(), cols = grid.cols();
-    const int first = grid.hasFixedFirstColumn() ? 1 : 0;
-    QVector<QVector<Cell>> cells;
-    cells.reserve(rows);
-    for (int row = 0; row < rows; ++row) {
-        QVector<Cell> line;
-        for (int col = first; col < cols; ++col) {
-            Cell cell;
-            cell.text = grid.text(row, col);
-            bool isNumber = false;
-            const double number = cell.text.toDouble(&isNumber);
-            if (row > 0 && isNumber && grid.holdsNumber(row, col)) {
-                cell.kind = Cell::Number;
-                cell.number = number;
-            } else if (const QDate date = row > 0 ? dateOfText(cell.text, form) : QDate(); date.isValid() && shape.match(cell.text).hasMatch()) {
-                cell.kind = Cell::Date; // written in the system's short form, and in no other
-                cell.date = date;
-            }
-            line << cell;
-        }
-        cells << line;
-    }
-    return cells;
-}
-
-QString safeName(QString name)
-{
-    for (QChar &c : name)
-        if (QStringLiteral("/\\:*?\"<>|").contains(c) || c < QLatin1Char(' '))
-            c = QLatin1Char('-');
-    return name.trimmed();
-}
-
-QString csvField(const Cell &cell)
-{
-    if (cell.kind == Cell::Number)
-        return cell.text;
-    if (cell.kind == Cell::Date)
-        return cell.date.toString(Qt::ISODate);
-    QString text = cell.text;
-    if (!text.isEmpty() && QStringLiteral("=+-@").contains(text.at(0)))
-        text.prepend(QLatin1Char('\''));
-    return QLatin1Char('"') + text.replace(QLatin1Char('"'), QStringLiteral("\"\"")) + QLatin1Char('"');
-}
-
-QString writeCsv(const QVector<QVector<Cell>> &cells, const QString &path)
-{
-    QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly))
-        return file.errorString();
-    file.write("\xEF\xBB\xBF");
-    for (const QVector<Cell> &line : cells) {
-        QStringList fields;
-        for (const Cell &cell : line)
-            fields << csvField(cell);
-        file.write(fields.join(QLatin1Char(',')).toUtf8() + "\r\n");
-    }
-    return file.commit() ? QString() : file.errorString();
-}
-
-QString writeWorkbook(const QVector<QVector<Cell>> &cells, const QString &path, const QString &sheet)
-{
-    const QString part = path + QStringLiteral(".part");
-    lxw_workbook *workbook = workbook_new(QFile::encodeName(part).constData());
-    if (!workbook)
-        return QStringLiteral("the workbook cannot be made");
-    QString name = sheet.left(31);
-    for (QChar &c : name)
-        if (QStringLiteral("[]:*?/\\").contains(c))
-            c = QLatin1Char('-');
-    lxw_worksheet *worksheet = workbook_add_worksheet(workbook, name.toUtf8().constData());
-    lxw_format *heading = workbook_add_format(workbook);
-    format_set_bold(heading);
-    lxw_format *date = workbook_add_format(workbook);
-    format_set_num_format(date, "yyyy-mm-dd");
-    QVector<int> widths;
-    for (int row = 0; row < cells.size(); ++row) {
-        for (int col = 0; col < cells[row].size(); ++col) {
-            const Cell &cell = cells[row][col];
-            if (widths.size() <= col)
-                widths << 0;
-            widths[col] = std::max(widths[col], int(cell.kind == Cell::Date ? 10 : cell.text.size()));
-            if (cell.kind == Cell::Number) {
-                worksheet_write_number(worksheet, lxw_row_t(row), lxw_col_t(col), cell.number, nullptr);
-            } else if (cell.kind == Cell::Date) {
-                lxw_datetime when = {cell.date.year(), cell.date.month(), cell.date.day(), 0, 0, 0};
-                worksheet_write_datetime(worksheet, lxw_row_t(row), lxw_col_t(col), &when, date);
-            } else if (!cell.text.isEmpty()) {
-                worksheet_write_string(worksheet, lxw_row_t(row), lxw_col_t(col), cell.text.toUtf8().constData(), row == 0 ? heading : nullptr);
-            }
-        }
-    }
-    for (int col = 0; col < widths.size(); ++col)
-        worksheet_set_column(worksheet, lxw_col_t(col), lxw_col_t(col), std::min(60, widths[col] + 2), nullptr);
-    worksheet_freeze_panes(worksheet, 1, 0);
-    const lxw_error error = workbook_close(workbook);
-    if (error != LXW_NO_ERROR || !QFile::rename(part, path)) {
-        QFile::remove(part);
-        return QString::fromUtf8(error != LXW_NO_ERROR ? lxw_strerror(error) : "the workbook could not be put in place");
-    }
-    return {};
-}
-
-} // namespace
-
-QString freeExportPath(const QString &folder, const QString &name, const QString &suffix)
-{
-    QString path = QDir(folder).filePath(name + suffix);
-    for (int n = 2; QFile::exists(path); ++n)
-        path = QDir(folder).filePath(QStringLiteral("%1 (%2)%3").arg(name).arg(n).arg(suffix));
-    return path;
-}
-
 ExportResult exportGrid(Grid &grid, const QString &folder, const QString &name, ExportFormat format)
 {
-    ExportResult result;
-    if (!QDir().mkpath(folder)) {
-        result.failure = QStringLiteral("the folder %1 cannot be made").arg(folder);
-        return result;
+    const int rows = grid.rows(), cols = grid.cols();
+    const int first = grid.hasFixedFirstColumn() ? 1 : 0;
+    ListCells cells;
+    cells.reserve(rows);
+    for (int row = 0; row < rows; ++row) {
+        QVector<ListCell> line;
+        for (int col = first; col < cols; ++col)
+            line << (row == 0 ? ListCell{ListCell::Text, grid.text(row, col)} : ListCell::of(grid.text(row, col), grid.holdsNumber(row, col)));
+        cells << line;
     }
-    const QVector<QVector<Cell>> cells = cellsOf(grid);
-    const QString path = freeExportPath(folder, safeName(name), format == ExportFormat::Workbook ? QStringLiteral(".xlsx") : QStringLiteral(".csv"));
-    result.failure = format == ExportFormat::Workbook ? writeWorkbook(cells, path, safeName(name)) : writeCsv(cells, path);
-    if (result.failure.isEmpty()) {
-        result.path = path;
-        result.rows = int(cells.size()) - 1;
-    }
-    return result;
+    return writeList(cells, folder, name, format);
 }
 
 } // namespace vantrel

@@ -9,8 +9,8 @@
 #include "widgets/droppanel.h"
 #include "widgets/fieldevents.h"
 #include "widgets/grid.h"
-#include "printing/printout.h"
-#include "widgets/lineprinter.h"
+#include "output/printout.h"
+#include "output/lineprinter.h"
 
 #include <QFrame>
 #include <QHBoxLayout>

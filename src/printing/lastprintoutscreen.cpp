@@ -1,8 +1,8 @@
 #include "lastprintoutscreen.h"
 
-#include "export/exportcommand.h"
-#include "export/listexport.h"
-#include "printout.h"
+#include "data/programsettings.h"
+#include "output/listfile.h"
+#include "output/printout.h"
 #include "printoutpages.h"
 
 #include <QDir>
@@ -53,13 +53,15 @@ void LastPrintoutScreen::printAgainClicked()
 
 void LastPrintoutScreen::savePdfClicked()
 {
-    const QString folder = exportFolder(services()), path = freeExportPath(folder, QStringLiteral("Last printout"), QStringLiteral(".pdf"));
+    const QString folder = ProgramSettings::read().exportFolderIn(services().programDirectory);
+    const QString path = freeExportPath(folder, QStringLiteral("Last printout"), QStringLiteral(".pdf"));
     tellSaved(path, QDir().mkpath(folder) ? writePrintoutPdf(path, QStringLiteral("Last printout"), m_lines) : QStringLiteral("no folder"));
 }
 
 void LastPrintoutScreen::saveTextClicked()
 {
-    const QString folder = exportFolder(services()), path = freeExportPath(folder, QStringLiteral("Last printout"), QStringLiteral(".txt"));
+    const QString folder = ProgramSettings::read().exportFolderIn(services().programDirectory);
+    const QString path = freeExportPath(folder, QStringLiteral("Last printout"), QStringLiteral(".txt"));
     QSaveFile file(path);
     const bool saved = QDir().mkpath(folder) && file.open(QIODevice::WriteOnly) && file.write(printoutBytes(m_lines)) >= 0 && file.commit();
     tellSaved(path, saved ? QString() : file.errorString());

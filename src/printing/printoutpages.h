@@ -1,5 +1,7 @@
 #pragma once
 
+#include "output/printoutpdf.h"
+
 #include <QStringList>
 #include <QWidget>
 
@@ -8,9 +10,6 @@ class QPlainTextEdit;
 class QPushButton;
 
 namespace vantrel {
-
-// The lines a printer takes on one page.
-constexpr int LinesPerPage = 66;
 
 // A printout on screen as the paper has it: one page at a time in a fixed-width font, with the
 // page's number; Page Up and Page Down (or the two buttons) turn the pages.
@@ -35,9 +34,5 @@ private:
     QPushButton *m_previous;
     QPushButton *m_next;
 };
-
-// Writes LINES into a PDF file at PATH, monospaced, LinesPerPage to a page, every line whole,
-// so that it reads like the paper. Returns why it failed, or an empty string.
-QString writePrintoutPdf(const QString &path, const QString &title, const QStringList &lines);
 
 } // namespace vantrel

@@ -7,7 +7,7 @@
 #include "widgets/droppanel.h"
 #include "widgets/fieldevents.h"
 #include "widgets/grid.h"
-#include "widgets/lineprinter.h"
+#include "output/lineprinter.h"
 
 #include <QFrame>
 #include <QLineEdit>

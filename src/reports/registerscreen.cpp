@@ -5,8 +5,8 @@
 #include "widgets/clock.h"
 #include "widgets/datepicker.h"
 #include "widgets/grid.h"
-#include "printing/printout.h"
-#include "widgets/lineprinter.h"
+#include "output/printout.h"
+#include "output/lineprinter.h"
 
 #include <QDateEdit>
 #include <QFormLayout>

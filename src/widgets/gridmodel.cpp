@@ -1,6 +1,5 @@
 #include "gridmodel.h"
 
-#include "data/records.h"
 #include "data/recordset.h"
 #include "data/unhandlederror.h"
 
@@ -9,7 +8,6 @@
 #include <QSqlField>
 #include <QSqlRecord>
 #include <limits>
-#include <sqlite3.h>
 
 namespace vantrel {
 
@@ -62,7 +60,7 @@ bool GridModel::bind(Database &db, const QString &sql, BindMode mode)
     m_cellEnds.clear();
     m_loaded = 0;
     if (hasRow) {
-        appendCurrentRow(m_pending.statement());
+        appendCurrentRow();
         m_loaded = 1;
         m_reading = true;
     } else {
@@ -85,28 +83,11 @@ bool GridModel::refresh()
     return bind(*m_db, m_sql, Always);
 }
 
-// The row the statement stands on, each value's text as displayText() gives it, written straight
-// into the buffer: a text's own UTF-8, a whole number's digits, a real number's doubleText().
-void GridModel::appendCurrentRow(sqlite3_stmt *statement)
+// The row the query stands on, each value's text as displayText() gives it, written straight
+// into the buffer.
+void GridModel::appendCurrentRow()
 {
-    for (int i = 0; i < m_headings.size(); ++i) {
-        const int type = sqlite3_column_type(statement, i);
-        m_numberCells.push_back(type == SQLITE_INTEGER || type == SQLITE_FLOAT);
-        switch (type) {
-        case SQLITE_NULL:
-            break;
-        case SQLITE_INTEGER:
-            m_text += QByteArray::number(sqlite3_column_int64(statement, i));
-            break;
-        case SQLITE_FLOAT:
-            m_text += doubleText(sqlite3_column_double(statement, i)).toUtf8();
-            break;
-        default: // a text, or bytes, which the grid shows as text
-            m_text.append(reinterpret_cast<const char *>(sqlite3_column_text(statement, i)), sqlite3_column_bytes(statement, i));
-            break;
-        }
-        m_cellEnds << quint32(m_text.size());
-    }
+    m_pending.appendRow(int(m_headings.size()), m_text, m_cellEnds, m_numberCells);
 }
 
 QString GridModel::text(int row, int queryColumn) const
@@ -173,21 +154,17 @@ void GridModel::fetch(int count, qint64 maxNanoseconds, bool announce)
         return;
     QElapsedTimer clock;
     clock.start();
-    sqlite3_stmt *statement = m_pending.statement();
     int added = 0;
     bool atEnd = false;
     QString failure;
     while (added < count) {
         if (maxNanoseconds >= 0 && added % 64 == 63 && clock.nsecsElapsed() > maxNanoseconds)
             break;
-        const int step = sqlite3_step(statement);
-        if (step != SQLITE_ROW) {
-            if (step != SQLITE_DONE)
-                failure = QString::fromUtf8(sqlite3_errmsg(sqlite3_db_handle(statement)));
+        if (!m_pending.stepRow(failure)) {
             atEnd = true;
             break;
         }
-        appendCurrentRow(statement);
+        appendCurrentRow();
         ++added;
     }
     if (added > 0) {

@@ -59,7 +59,7 @@ signals:
 private:
     void fetch(int count, qint64 maxNanoseconds = -1, bool announce = true);
     void fetchWhileIdle();
-    void appendCurrentRow(sqlite3_stmt *statement);
+    void appendCurrentRow();
     void stopReading();
     QString text(int row, int queryColumn) const;
 

@@ -1,10 +1,11 @@
 #include "screen.h"
 
+#include "data/programsettings.h"
 #include "data/unhandlederror.h"
+#include "dialogs.h"
 #include "droppanel.h"
 #include "grid.h"
-#include "lineprinter.h"
-#include "printing/printout.h"
+#include "output/printout.h"
 #include "uppercasefilter.h"
 
 #include <QComboBox>
@@ -53,7 +54,14 @@ void Screen::setKeysHint(const QString &ownKeys)
 
 void Screen::printLines(const QString &document, const QStringList &lines)
 {
-    const QString said = sendPrintout(m_services.programDirectory, dialogs(), document, lines);
+    const ProgramSettings settings = ProgramSettings::read();
+    QString said = QStringLiteral("Printed %1: %2 lines").arg(document).arg(lines.size());
+    if (settings.previewPrintouts && !dialogs().previewPrintout(document, lines)) {
+        said = QStringLiteral("Not printed: %1 (dropped at the preview)").arg(document);
+    } else if (const QString refused = deliverPrintout(m_services.programDirectory, settings.printQueue, document, lines); !refused.isEmpty()) {
+        dialogs().inform(QStringLiteral("%1 was not printed: the printer %2 refused it.\nThe printing system says: %3").arg(document, settings.printQueue, refused));
+        said = QStringLiteral("Not printed: %1 (the printer %2: %3)").arg(document, settings.printQueue, refused);
+    }
     if (m_services.showPrinted)
         m_services.showPrinted(said);
 }

@@ -1,13 +1,13 @@
 #include "closeyearcommand.h"
 
-#include "app/mainwindow.h"
 #include "data/database.h"
 #include "data/unhandlederror.h"
 #include "widgets/clock.h"
 #include "widgets/dialogs.h"
 #include "widgets/services.h"
-#include "yearclose.h"
-#include "yearsettings.h"
+#include "widgets/workspace.h"
+#include "care/yearclose.h"
+#include "data/programsettings.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -15,14 +15,14 @@
 
 namespace vantrel {
 
-void closeYearCommand(MainWindow &window, Services &services)
+void closeYearCommand(Workspace &workspace, Services &services)
 {
     if (const QString kept = services.whyTheShopIsShared ? services.whyTheShopIsShared() : QString(); !kept.isEmpty()) {
         services.dialogs.inform(kept);
         return;
     }
     const QString database = services.db.fileName();
-    const FinancialYear year = financialYearSetting();
+    const FinancialYear year = ProgramSettings::read().financialYear();
     const QDate today = services.clock.today();
     const QDate cutOff = services.dialogs.askDate(QStringLiteral("Close the books up to the last day of the year:"), year.lastCompleteYearEnd(today));
     if (!cutOff.isValid())
@@ -36,8 +36,8 @@ void closeYearCommand(MainWindow &window, Services &services)
         if (!services.dialogs.ask(plan.question()))
             return;
         // The screens show the books as they are now; they go before the books do.
-        window.closeAllScreens();
-        QProgressDialog progress(QStringLiteral("Closing the year %1...").arg(plan.name), QString(), 0, 100, &window);
+        workspace.closeAllScreens();
+        QProgressDialog progress(QStringLiteral("Closing the year %1...").arg(plan.name), QString(), 0, 100, workspace.widget());
         progress.setWindowModality(Qt::WindowModal);
         progress.setMinimumDuration(0);
         closeYear(database, plan, QDateTime(today, QTime::currentTime()), [&progress](int percent) {
@@ -46,7 +46,7 @@ void closeYearCommand(MainWindow &window, Services &services)
         });
         progress.close();
         services.dialogs.inform(QStringLiteral("The year %1 is closed, its books kept in %2.").arg(plan.name, QDir::toNativeSeparators(plan.yearFile)));
-        window.openScreen(QStringLiteral("sale"));
+        workspace.openScreen(QStringLiteral("sale"));
     } catch (const UnhandledError &error) {
         services.unhandledError(error.message());
     }

@@ -2,11 +2,11 @@
 
 namespace vantrel {
 
-class MainWindow;
+class Workspace;
 struct Services;
 
 // "Tools" > "Past Year...": the closed years to choose from; the chosen one opens, read only, in
 // a window of its own with the system's report screens and the year in its title.
-void pastYearCommand(MainWindow &window, Services &services);
+void pastYearCommand(Workspace &workspace, Services &services);
 
 } // namespace vantrel

@@ -2,7 +2,7 @@
 
 #include "widgets/grid.h"
 #include "widgets/screen.h"
-#include "years/serieswarning.h"
+#include "care/serieswarning.h"
 
 #include <QComboBox>
 #include <QDateEdit>

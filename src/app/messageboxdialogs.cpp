@@ -2,7 +2,7 @@
 
 #include "printing/printpreview.h"
 
-#include "datepicker.h"
+#include "widgets/datepicker.h"
 
 #include <QDateEdit>
 #include <QDialog>

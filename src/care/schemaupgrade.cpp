@@ -1,6 +1,6 @@
 #include "schemaupgrade.h"
 
-#include "audit/editlog.h"
+#include "data/editlog.h"
 #include "care/backups.h"
 #include "care/shopcheck.h"
 #include "care/sqlitefile.h"

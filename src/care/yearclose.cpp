@@ -1,6 +1,6 @@
 #include "yearclose.h"
 
-#include "audit/editlog.h"
+#include "data/editlog.h"
 #include "care/backups.h"
 #include "care/shopcheck.h"
 #include "care/sqlitefile.h"
@@ -143,18 +143,6 @@ QString cutOffProblem(const QString &database, const FinancialYear &year, const 
 }
 
 } // namespace
-
-QString FinancialYear::nameOf(const QDate &day) const
-{
-    const int first = day < QDate(day.year(), startMonth, startDay) ? day.year() - 1 : day.year();
-    return QStringLiteral("%1-%2").arg(first).arg((first + 1) % 100, 2, 10, QLatin1Char('0'));
-}
-
-QDate FinancialYear::lastCompleteYearEnd(const QDate &day) const
-{
-    const QDate start(day.year(), startMonth, startDay);
-    return (day < start ? start.addYears(-1) : start).addDays(-1);
-}
 
 QString YearClosePlan::refusal() const
 {

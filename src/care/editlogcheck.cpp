@@ -1,7 +1,7 @@
 #include "editlogcheck.h"
 
 #include "care/sqlitefile.h"
-#include "editlog.h"
+#include "data/editlog.h"
 
 #include <QCryptographicHash>
 #include <QJsonArray>

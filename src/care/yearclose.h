@@ -1,5 +1,7 @@
 #pragma once
 
+#include "data/programsettings.h"
+
 #include <QDate>
 #include <QDateTime>
 #include <QString>
@@ -7,18 +9,6 @@
 #include <functional>
 
 namespace vantrel {
-
-// The shop's financial year: from its start (1 April unless the shop sets another) to the day
-// before the next one. Named by its calendar years, "2026-27".
-struct FinancialYear {
-    int startMonth = 4;
-    int startDay = 1;
-    QString nameOf(const QDate &day) const;
-    // The last day of the last financial year that ended before DAY: 31 March 2026 for any day
-    // from 1 April 2026 to 31 March 2027.
-    QDate lastCompleteYearEnd(const QDate &day) const;
-    bool isYearEnd(const QDate &day) const { return day.isValid() && lastCompleteYearEnd(day.addDays(1)) == day; }
-};
 
 // What closing the year up to a cut-off day will do, read from the shop file before anything is
 // written. Documents (invoices, vouchers, receipts, payments) dated up to the cut-off close; those
