@@ -5,9 +5,9 @@
 #include "care/shopcheck.h"
 #include "care/sqlitefile.h"
 #include "data/schema.h"
+#include "data/transaction.h"
 #include "data/unhandlederror.h"
 
-#include <sqlite3.h>
 
 namespace vantrel {
 
@@ -94,9 +94,9 @@ SchemaUpgrade bringToCurrentSchema(const QString &path, const QString &backupFol
     result.backup = Backups(path, backupFolder).take(now, Backups::Check::Quick);
 
     tell(QStringLiteral("Bringing the shop's file from schema %1 to %2: changing its layout...").arg(result.from).arg(CurrentSchemaVersion), 40);
-    SqliteFile file(path, SqliteFile::Access::ReadWrite);
-    file.execute(QStringLiteral("begin immediate"));
-    try {
+    {
+        SqliteFile file(path, SqliteFile::Access::ReadWrite);
+        Transaction transaction(file.handle());
         for (int to = result.from + 1; to <= CurrentSchemaVersion; ++to)
             file.execute(stepTo(to));
         if (result.from < 7) {
@@ -106,10 +106,7 @@ SchemaUpgrade bringToCurrentSchema(const QString &path, const QString &backupFol
                                  .arg(CurrentSchemaVersion));
         }
         file.execute(QStringLiteral("pragma user_version = %1").arg(CurrentSchemaVersion));
-        file.execute(QStringLiteral("commit"));
-    } catch (...) {
-        sqlite3_exec(file.handle(), "rollback", nullptr, nullptr, nullptr); // gone already if the engine ended it
-        throw;
+        transaction.commit();
     }
     result.to = CurrentSchemaVersion;
     tell(QStringLiteral("Bringing the shop's file from schema %1 to %2: checking it...").arg(result.from).arg(CurrentSchemaVersion), 80);

@@ -8,6 +8,7 @@
 #include "data/records.h"
 #include "data/shortdate.h"
 #include "data/sqlfunctions.h"
+#include "data/transaction.h"
 #include "data/unhandlederror.h"
 
 #include <QDir>
@@ -259,11 +260,11 @@ void closeYear(const QString &database, const YearClosePlan &plan, const QDateTi
     {
         SqliteFile file(next, SqliteFile::Access::ReadWrite);
         registerSqlFunctions(file.handle(), ShortDate());
-        file.execute(QStringLiteral("begin immediate"));
+        Transaction transaction(file.handle());
         file.execute(dropEditLogTriggersText());
         carryForward(file, plan, ShortDate().text(now.date()));
         restartEditLog(file, plan, yearsLastHash);
-        file.execute(QStringLiteral("commit"));
+        transaction.commit();
     }
     done(60);
     // The moment of the close: until here the database is as it was.

@@ -1,7 +1,8 @@
 #include "schema.h"
 
+#include "editlog.h"
+#include "transaction.h"
 #include "unhandlederror.h"
-#include "data/editlog.h"
 
 #include <QFile>
 #include <QStringList>
@@ -187,35 +188,27 @@ void createDatabaseFile(const QString &path)
     ::close(fd);
 
     sqlite3 *db = nullptr;
-    int rc = sqlite3_open_v2(name.constData(), &db, SQLITE_OPEN_READWRITE, nullptr);
-    char *error = nullptr;
-    if (rc == SQLITE_OK)
-        rc = sqlite3_exec(db, (QByteArrayLiteral("begin;") + schemaText()).constData(), nullptr, nullptr, &error);
-    const QByteArray rest = QByteArray(ledgerSumIndexesText()) + statisticsText() + guardsText().toUtf8() + closedYearsText()
-        + editLogStatements().join(QStringLiteral(";\n")).toUtf8() + ";";
-    if (rc == SQLITE_OK)
-        rc = sqlite3_exec(db, rest.constData(), nullptr, nullptr, &error);
-    QString message = error ? QString::fromUtf8(error) : QString::fromUtf8(sqlite3_errmsg(db));
-    if (rc == SQLITE_OK) {
-        try {
+    try {
+        if (sqlite3_open_v2(name.constData(), &db, SQLITE_OPEN_READWRITE, nullptr) != SQLITE_OK)
+            throw UnhandledError(QString::fromUtf8(sqlite3_errmsg(db)));
+        {
+            Transaction transaction(db); // the whole schema in one transaction, one sync
+            const QByteArray rest = QByteArray(ledgerSumIndexesText()) + statisticsText() + guardsText().toUtf8() + closedYearsText()
+                + editLogStatements().join(QStringLiteral(";\n")).toUtf8() + ";";
+            transaction.execute(schemaText());
+            transaction.execute(rest.constData());
             writeEditLogNote(db, QStringLiteral("start"), QStringLiteral("A new shop file: the edit log starts with it."));
-        } catch (const UnhandledError &failure) {
-            rc = SQLITE_ERROR;
-            message = failure.message();
+            transaction.execute((QByteArrayLiteral("pragma user_version = ") + QByteArray::number(CurrentSchemaVersion)).constData());
+            transaction.commit();
         }
-    }
-    const QByteArray version = QByteArrayLiteral("pragma user_version = ") + QByteArray::number(CurrentSchemaVersion)
-        + "; commit; pragma journal_mode = wal;"; // the whole schema in one transaction, one sync
-    if (rc == SQLITE_OK && sqlite3_exec(db, version.constData(), nullptr, nullptr, &error) != SQLITE_OK) {
-        rc = SQLITE_ERROR;
-        message = QString::fromUtf8(error);
-    }
-    sqlite3_free(error);
-    sqlite3_close(db);
-    if (rc != SQLITE_OK) {
+        if (sqlite3_exec(db, "pragma journal_mode = wal", nullptr, nullptr, nullptr) != SQLITE_OK)
+            throw UnhandledError(QString::fromUtf8(sqlite3_errmsg(db)));
+    } catch (const UnhandledError &failure) {
+        sqlite3_close(db);
         QFile::remove(path);
-        throw UnhandledError(QStringLiteral("Cannot write the tables into %1: %2").arg(path, message));
+        throw UnhandledError(QStringLiteral("Cannot write the tables into %1: %2").arg(path, failure.message()));
     }
+    sqlite3_close(db);
 }
 
 } // namespace vantrel
