@@ -23,17 +23,24 @@ namespace vantrel {
 
 namespace {
 
+// An entry that opens the screen S, made for the services it is given.
 template <typename S>
-Screen *make(Services &services)
+MenuEntry opens(const char *name, const char *caption)
 {
-    return new S(services);
+    return {name, caption, [](Services &services) -> Screen * { return new S(services); }};
 }
 
-// A screen of one design, made with the kind that KIND points to.
+// An entry that opens a screen of one design, made with the kind that KIND points to.
 template <typename S, const auto *kind>
-Screen *makeKind(Services &services)
+MenuEntry opensKind(const char *name, const char *caption)
 {
-    return new S(services, *kind);
+    return {name, caption, [](Services &services) -> Screen * { return new S(services, *kind); }};
+}
+
+// An entry that runs COMMAND instead of opening a screen.
+MenuEntry runs(const char *name, const char *caption, MenuCommand command)
+{
+    return {name, caption, nullptr, command};
 }
 
 } // namespace
@@ -42,30 +49,27 @@ Screen *makeKind(Services &services)
 const QVector<Menu> &menuTable()
 {
     static const QVector<Menu> menus = {
-        {"bill", "File", {{"rcpt", "Receipt", make<ReceiptScreen>, nullptr, true}, {"led", "Ledger", make<LedgerScreen>, nullptr, true}}},
+        {"bill", "File", {opens<ReceiptScreen>("rcpt", "Receipt").readingOnly(), opens<LedgerScreen>("led", "Ledger").readingOnly()}},
         {"trans", "Transaction",
-         {{"sale", "Sales", make<SalesScreen>},
-          {"pur", "Purchase", make<PurchaseScreen>},
-          {"pm", "Product master", make<ProductMasterScreen>},
-          {"sm", "Party master", make<PartyMasterScreen>},
-          {"cmpmst", "Company Master", make<CompanyMasterScreen>}}},
+         {opens<SalesScreen>("sale", "Sales"), opens<PurchaseScreen>("pur", "Purchase"), opens<ProductMasterScreen>("pm", "Product master"),
+          opens<PartyMasterScreen>("sm", "Party master"), opens<CompanyMasterScreen>("cmpmst", "Company Master")}},
         {"srpt", "Sales Report",
-         {{"db", "Day Book", makeKind<DayBookScreen, &DayBookScreen::Sales>, nullptr, true},
-          {"dwsrpt", "DateWise Sales Report", makeKind<RegisterScreen, &RegisterScreen::Sales>, nullptr, true},
-          {"prsale", "Partywise sales Report", makeKind<PartyRegisterScreen, &PartyRegisterScreen::Sales>, nullptr, true}}},
+         {opensKind<DayBookScreen, &DayBookScreen::Sales>("db", "Day Book").readingOnly(),
+          opensKind<RegisterScreen, &RegisterScreen::Sales>("dwsrpt", "DateWise Sales Report").readingOnly(),
+          opensKind<PartyRegisterScreen, &PartyRegisterScreen::Sales>("prsale", "Partywise sales Report").readingOnly()}},
         {"prpt", "Purchase Report",
-         {{"pdb", "Day Book", makeKind<DayBookScreen, &DayBookScreen::Purchase>, nullptr, true},
-          {"dtprpt", "DateWise Purchase Report", makeKind<RegisterScreen, &RegisterScreen::Purchase>, nullptr, true},
-          {"prpur", "Partywise Purchase Report", makeKind<PartyRegisterScreen, &PartyRegisterScreen::Purchase>, nullptr, true}}},
-        {"stk", "Stock", {{"stksum", "Stock Summary", make<StockScreen>, nullptr, true}}},
+         {opensKind<DayBookScreen, &DayBookScreen::Purchase>("pdb", "Day Book").readingOnly(),
+          opensKind<RegisterScreen, &RegisterScreen::Purchase>("dtprpt", "DateWise Purchase Report").readingOnly(),
+          opensKind<PartyRegisterScreen, &PartyRegisterScreen::Purchase>("prpur", "Partywise Purchase Report").readingOnly()}},
+        {"stk", "Stock", {opens<StockScreen>("stksum", "Stock Summary").readingOnly()}},
         // Added after the system's own menus.
-        {"tools", "Tools", {{"closeyear", "Close Year...", nullptr, closeYearCommand}, {"pastyear", "Past Year...", nullptr, pastYearCommand},
-                   {"editlog", "Edit Log", make<EditLogScreen>, nullptr, true},
-                   {"exportxlsx", "Export to Excel", nullptr, exportToWorkbookCommand, true, "F12"},
-                   {"exportcsv", "Export to CSV", nullptr, exportToCsvCommand, true, "Shift+F12"},
-                   {"lastprint", "Last Printout", make<LastPrintoutScreen>, nullptr, true},
-                   {"settings", "Settings...", make<SettingsScreen>},
-                   {"datefix", "Correct a Date...", make<CorrectDateScreen>}}},
+        {"tools", "Tools",
+         {runs("closeyear", "Close Year...", closeYearCommand), runs("pastyear", "Past Year...", pastYearCommand),
+          opens<EditLogScreen>("editlog", "Edit Log").readingOnly(),
+          runs("exportxlsx", "Export to Excel", exportToWorkbookCommand).readingOnly().withKey("F12"),
+          runs("exportcsv", "Export to CSV", exportToCsvCommand).readingOnly().withKey("Shift+F12"),
+          opens<LastPrintoutScreen>("lastprint", "Last Printout").readingOnly(), opens<SettingsScreen>("settings", "Settings..."),
+          opens<CorrectDateScreen>("datefix", "Correct a Date...")}},
     };
     return menus;
 }
