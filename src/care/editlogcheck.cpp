@@ -8,6 +8,8 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QMap>
+#include <algorithm>
+#include <limits>
 #include <sqlite3.h>
 
 namespace vantrel {
@@ -17,10 +19,26 @@ namespace {
 // A kind of finding is named at most this many times, then counted.
 constexpr int MostNamed = 20;
 
+const char *const ChangedWhileOff = "A row changed while the edit log was off";
+
+// One row's entries replayed, oldest first, from the row as the first of them found it.
+struct History {
+    bool startedPresent = false; // the row stood before its first entry (that entry is no insert)
+    QByteArray startRow;         // as it stood then
+    bool present = false;        // the row stands after the last entry
+    QByteArray row;              // as the last entry leaves it
+};
+
 class LogChecker {
 public:
-    LogChecker(SqliteFile &file, CheckReport &report) : m_db(file.handle()), m_file(file), m_report(report) {}
-    ~LogChecker() { flushCounts(); }
+    explicit LogChecker(SqliteFile &file) : m_db(file.handle()), m_file(file) {}
+
+    // What the checker found, each kind named at most MostNamed times, then counted.
+    void addTo(CheckReport &report) const
+    {
+        addCapped(report.traces, m_traces);
+        addCapped(report.notices, m_notices);
+    }
 
     bool tableStands()
     {
@@ -79,9 +97,10 @@ public:
         return digests;
     }
 
-    // The rows of TABLE against its entries, row by row in rowid order: each row's entries must
-    // follow on from each other and leave it as it stands; the rows before its first entry
-    // (and the rows no entry touches) are the rows the log started from.
+    // The rows of TABLE against its entries: two streams in rowid order merged. A row with
+    // entries must stand as they leave it; a row without any is one the log started from (and
+    // one written while the log was off, when the log started from no rows). The rows the log
+    // started from must digest as its start recorded.
     void replay(const LoggedTable &table, const QByteArray &startDigest)
     {
         EngineStatement rows(m_db, rowsAsLoggedText(table));
@@ -89,41 +108,33 @@ public:
                                                      "and action in ('insert', 'update', 'delete') order by rid, id").arg(table.name));
         const bool startedEmpty = startDigest == QCryptographicHash::hash(QByteArray(), QCryptographicHash::Sha256).toHex();
         QCryptographicHash baseline(QCryptographicHash::Sha256);
-        bool haveRow = rows.step() == SQLITE_ROW, haveEntry = entries.step() == SQLITE_ROW;
+        const auto startedFrom = [&baseline](qint64 rid, const QByteArray &row) {
+            baseline.addData(QByteArray::number(rid) + '\x1f');
+            baseline.addData(row);
+            baseline.addData(QByteArrayView("\n"));
+        };
         bool unlogged = false;
+        bool haveRow = rows.step() == SQLITE_ROW, haveEntry = entries.step() == SQLITE_ROW;
         while (haveRow || haveEntry) {
-            const qint64 rid = !haveEntry || (haveRow && rows.integer(0) < entries.integer(1)) ? rows.integer(0) : entries.integer(1);
-            const bool present = haveRow && rows.integer(0) == rid;
+            const qint64 none = std::numeric_limits<qint64>::max();
+            const qint64 rowId = haveRow ? rows.integer(0) : none, entryId = haveEntry ? entries.integer(1) : none;
+            const qint64 rid = std::min(rowId, entryId);
+            const bool present = rowId == rid;
             const QByteArray current = present ? rows.text(1) : QByteArray();
-            QByteArray state, startRow;
-            bool hasEntries = false, inLog = false, startedPresent = false;
-            for (; haveEntry && entries.integer(1) == rid; haveEntry = entries.step() == SQLITE_ROW) {
-                const QByteArray action = entries.text(2), old = entries.text(3);
-                if (!hasEntries) {
-                    startedPresent = inLog = action != "insert";
-                    state = startRow = old;
-                    hasEntries = true;
+            if (entryId == rid) {
+                const History history = replayRow(table, rid, entries, haveEntry);
+                if (history.present != present || (present && history.row != current))
+                    trace(QLatin1String(ChangedWhileOff),
+                          QStringLiteral("%1 row %2: %3").arg(table.name).arg(rid).arg(difference(table, history.present, history.row, present, current)));
+                if (history.startedPresent)
+                    startedFrom(rid, history.startRow);
+            } else {
+                if (startedEmpty) {
+                    unlogged = true;
+                    trace(QStringLiteral("A row written while the edit log was off"),
+                          QStringLiteral("%1 row %2 holds %3 and the log has no entry of it").arg(table.name).arg(rid).arg(QString::fromUtf8(current)));
                 }
-                const QString at = QStringLiteral("%1 row %2 before entry %3 of %4: ").arg(table.name).arg(rid).arg(entries.integer(0)).arg(QString::fromUtf8(entries.text(5)));
-                if (action == "insert" && inLog)
-                    trace(QStringLiteral("A row changed while the edit log was off"), at + QStringLiteral("an insert where the log holds %1").arg(QString::fromUtf8(state)));
-                else if (action != "insert" && (!inLog || old != state))
-                    trace(QStringLiteral("A row changed while the edit log was off"), at + difference(table, inLog, state, true, old));
-                inLog = action != "delete";
-                state = entries.text(4);
-            }
-            if (hasEntries && (inLog != present || (present && state != current)))
-                trace(QStringLiteral("A row changed while the edit log was off"),
-                      QStringLiteral("%1 row %2: %3").arg(table.name).arg(rid).arg(difference(table, inLog, state, present, current)));
-            if (!hasEntries && present && startedEmpty) {
-                unlogged = true;
-                trace(QStringLiteral("A row written while the edit log was off"),
-                      QStringLiteral("%1 row %2 holds %3 and the log has no entry of it").arg(table.name).arg(rid).arg(QString::fromUtf8(current)));
-            }
-            if (hasEntries ? startedPresent : present) {
-                baseline.addData(QByteArray::number(rid) + '\x1f');
-                baseline.addData(hasEntries ? startRow : current);
-                baseline.addData(QByteArrayView("\n"));
+                startedFrom(rid, current);
             }
             if (present)
                 haveRow = rows.step() == SQLITE_ROW;
@@ -134,6 +145,27 @@ public:
     }
 
 private:
+    // Replays the entries of row RID, on the first of which ENTRIES stand, leaving them on the
+    // next row's first entry (HAVEENTRY false past the last). An entry that does not follow on
+    // from the one before it was written over a change made while the log was off.
+    History replayRow(const LoggedTable &table, qint64 rid, EngineStatement &entries, bool &haveEntry)
+    {
+        History history;
+        history.startedPresent = history.present = entries.text(2) != "insert";
+        history.startRow = history.row = entries.text(3);
+        for (; haveEntry && entries.integer(1) == rid; haveEntry = entries.step() == SQLITE_ROW) {
+            const QByteArray action = entries.text(2), old = entries.text(3);
+            const QString at = QStringLiteral("%1 row %2 before entry %3 of %4: ").arg(table.name).arg(rid).arg(entries.integer(0)).arg(QString::fromUtf8(entries.text(5)));
+            if (action == "insert" && history.present)
+                trace(QLatin1String(ChangedWhileOff), at + QStringLiteral("an insert where the log holds %1").arg(QString::fromUtf8(history.row)));
+            else if (action != "insert" && (!history.present || old != history.row))
+                trace(QLatin1String(ChangedWhileOff), at + difference(table, history.present, history.row, true, old));
+            history.present = action != "delete";
+            history.row = entries.text(4);
+        }
+        return history;
+    }
+
     static QString entryName(const EngineStatement &entry)
     {
         const QByteArray table = entry.text(2);
@@ -167,42 +199,41 @@ private:
                                                      : QString::fromUtf8(QJsonDocument(QJsonArray{value}).toJson(QJsonDocument::Compact)).mid(1).chopped(1);
     }
 
-    void trace(const QString &kind, const QString &rows) { add(m_report.traces, kind, rows); }
-    void notice(const QString &kind, const QString &rows) { add(m_report.notices, kind, rows); }
+    void trace(const QString &kind, const QString &rows) { m_traces << Finding{kind, rows}; }
+    void notice(const QString &kind, const QString &rows) { m_notices << Finding{kind, rows}; }
 
-    void add(QList<Finding> &list, const QString &kind, const QString &rows)
+    // FOUND added to LIST in order, each kind's first MostNamed named; then, kind by kind, how
+    // many more there were.
+    static void addCapped(QList<Finding> &list, const QList<Finding> &found)
     {
-        if (++m_counts[&list][kind] <= MostNamed)
-            list << Finding{kind, rows};
-    }
-
-    void flushCounts()
-    {
-        for (auto lists = m_counts.cbegin(); lists != m_counts.cend(); ++lists)
-            for (auto kinds = lists->cbegin(); kinds != lists->cend(); ++kinds)
-                if (kinds.value() > MostNamed)
-                    lists.key()->append(Finding{kinds.key(), QStringLiteral("and %1 more").arg(kinds.value() - MostNamed)});
+        QMap<QString, int> counts;
+        for (const Finding &finding : found)
+            if (++counts[finding.kind] <= MostNamed)
+                list << finding;
+        for (auto kind = counts.cbegin(); kind != counts.cend(); ++kind)
+            if (kind.value() > MostNamed)
+                list << Finding{kind.key(), QStringLiteral("and %1 more").arg(kind.value() - MostNamed)};
     }
 
     sqlite3 *m_db;
     SqliteFile &m_file;
-    CheckReport &m_report;
-    QMap<QList<Finding> *, QMap<QString, int>> m_counts;
+    QList<Finding> m_traces, m_notices;
 };
 
 } // namespace
 
 void checkEditLog(SqliteFile &file, CheckDepth depth, CheckReport &report)
 {
-    LogChecker checker(file, report);
-    if (!checker.tableStands())
-        return;
-    checker.triggers();
-    if (depth == CheckDepth::Quick)
-        return;
-    const QJsonObject digests = checker.chain();
-    for (const LoggedTable &table : loggedTables())
-        checker.replay(table, digests.value(table.name).toString().toLatin1());
+    LogChecker checker(file);
+    if (checker.tableStands()) {
+        checker.triggers();
+        if (depth == CheckDepth::Full) {
+            const QJsonObject digests = checker.chain();
+            for (const LoggedTable &table : loggedTables())
+                checker.replay(table, digests.value(table.name).toString().toLatin1());
+        }
+    }
+    checker.addTo(report);
 }
 
 } // namespace vantrel

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "closedyears.h"
 #include "data/programsettings.h"
 
 #include <QDate>
@@ -51,13 +52,5 @@ YearClosePlan planYearClose(const QString &database, const FinancialYear &year, 
 // UnhandledError, the database unchanged, when anything fails.
 void closeYear(const QString &database, const YearClosePlan &plan, const QDateTime &now,
                const std::function<void(int percent)> &progress = {});
-
-// After a kill in a close: a closed year's file still being written is kept when the database
-// lists that year as closed and removed when it does not, and the unfinished new contents go.
-// Run at every start and before every close.
-void finishInterruptedClose(const QString &database);
-
-// The closed years beside DATABASE, by name ("2026-27" -> its file), oldest first.
-QList<QPair<QString, QString>> closedYears(const QString &database);
 
 } // namespace vantrel

@@ -1,0 +1,58 @@
+#include "closedyears.h"
+
+#include "data/unhandlederror.h"
+#include "sqlitefile.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+
+namespace vantrel {
+
+QString yearsFolder(const QString &database) { return QFileInfo(database).absoluteDir().filePath(QStringLiteral("years")); }
+
+QString newContentsOf(const QString &database) { return database + QStringLiteral(".new"); }
+
+void removeUnfinished(const QString &path)
+{
+    for (const char *suffix : {"", "-journal", "-wal", "-shm"})
+        QFile::remove(path + QLatin1String(suffix));
+}
+
+QList<QPair<QString, QString>> closedYears(const QString &database)
+{
+    QList<QPair<QString, QString>> years;
+    const QDir beside = QFileInfo(database).absoluteDir();
+    SqliteFile file(database, SqliteFile::Access::ReadOnly);
+    file.eachRow(QStringLiteral("select name, file from closedyears order by rowid"),
+                 [&](const SqliteRow &row) { years << qMakePair(row.text(0), beside.filePath(row.text(1))); });
+    return years;
+}
+
+void finishInterruptedClose(const QString &database)
+{
+    removeUnfinished(newContentsOf(database));
+    const QDir years(yearsFolder(database));
+    for (const QString &journal : years.entryList({QStringLiteral("*.accdb.part-*")}, QDir::Files))
+        if (!QFileInfo::exists(years.filePath(journal.section(QLatin1Char('-'), 0, -2))))
+            QFile::remove(years.filePath(journal));
+    const QStringList parts = years.entryList({QStringLiteral("*.accdb.part")}, QDir::Files);
+    if (parts.isEmpty())
+        return;
+    QStringList closed;
+    {
+        SqliteFile file(database, SqliteFile::Access::ReadOnly);
+        closed = file.firstColumn(QStringLiteral("select name from closedyears"));
+    }
+    for (const QString &part : parts) {
+        const QString name = part.chopped(int(qstrlen(".accdb.part")));
+        const QString path = years.filePath(part), final = years.filePath(name + QStringLiteral(".accdb"));
+        if (!closed.contains(name, Qt::CaseInsensitive)) {
+            removeUnfinished(path);
+        } else if (!QFile::rename(path, final) || !QFile::setPermissions(final, QFile::ReadOwner)) {
+            throw UnhandledError(QStringLiteral("Cannot put the closed year %1 in place").arg(final));
+        }
+    }
+}
+
+} // namespace vantrel

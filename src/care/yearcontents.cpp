@@ -1,0 +1,86 @@
+#include "yearcontents.h"
+
+#include "cutoff.h"
+#include "data/editlog.h"
+#include "data/records.h"
+#include "data/shortdate.h"
+#include "data/sqlfunctions.h"
+#include "data/transaction.h"
+#include "yearclose.h"
+
+#include <QFileInfo>
+#include <cmath>
+
+namespace vantrel {
+
+namespace {
+
+const char *const Opening = "OPENING BALANCE";
+
+// An amount as an operator types it: rounded to the paisa, in its shortest text; null stays null.
+QString paisa(const SqliteRow &row, int column)
+{
+    return row.isNull(column) ? QStringLiteral("null") : doubleText(std::round(row.number(column) * 100) / 100);
+}
+
+// The ledger's opening rows for what closes: one receipt per receiving account carrying its
+// receipts, one payment carrying the payments, and per account an "opening" row with its
+// receipts and payments; every amount to the paisa, each with the overall balance at the cut-off.
+QStringList openingRows(SqliteFile &file, const CutOff &cut, const YearClosePlan &plan)
+{
+    QStringList rows;
+    const QString closing = "not " + cut.after(), opening = sqlLiteral(QLatin1String(Opening)), date = sqlLiteral(plan.openingDate()),
+                  balance = sqlLiteral(plan.balance);
+    const auto name = [](const SqliteRow &row, int column) { return row.isNull(column) ? QStringLiteral("null") : sqlLiteral(row.text(column)); };
+    file.eachRow("select accnm, sum(credit) from ledger where type='receipt' and " + closing + " group by accnm", [&](const SqliteRow &row) {
+        rows << QStringLiteral("(0,%1,%2,%3,null,%4,'receipt',%5)").arg(date, opening, paisa(row, 1), name(row, 0), balance);
+    });
+    file.eachRow("select sum(debit) from ledger where type='payment' and " + closing + " having count(*) > 0", [&](const SqliteRow &row) {
+        rows << QStringLiteral("(0,%1,%2,null,%3,null,'payment',%4)").arg(date, opening, paisa(row, 0), balance);
+    });
+    file.eachRow("select ac, sum(credit), sum(debit) from ledger where " + closing + " group by ac", [&](const SqliteRow &row) {
+        rows << QStringLiteral("(0,%1,%2,%3,%4,null,'opening',%5)").arg(date, name(row, 0), paisa(row, 1), paisa(row, 2), balance);
+    });
+    return rows;
+}
+
+// The new contents: the documents up to the cut-off gone, every stock lot as it stands, the
+// ledger's closing rows replaced by opening rows that carry every figure the screens compute.
+void carryForward(SqliteFile &file, const YearClosePlan &plan, const QString &closedOn)
+{
+    const CutOff cut(plan.cutOff);
+    const QStringList rows = openingRows(file, cut, plan);
+    cut.keepOnly(file, true);
+    if (!rows.isEmpty())
+        file.execute("insert into ledger(refno,dat,ac,credit,debit,accnm,type,balance) values " + rows.join(QLatin1Char(',')));
+    file.execute(QStringLiteral("insert into closedyears(name, closed, file) values(%1, %2, %3)")
+                     .arg(sqlLiteral(plan.name), sqlLiteral(closedOn), sqlLiteral(QStringLiteral("years/") + QFileInfo(plan.yearFile).fileName())));
+}
+
+// The new contents start a log of their own, from the rows carried forward, chained to the
+// closed year's by the hash its log ends on. Its triggers were dropped while the books were
+// emptied; they stand again before the transaction ends.
+void restartEditLog(SqliteFile &file, const YearClosePlan &plan, const QByteArray &yearsLastHash)
+{
+    file.execute(QStringLiteral("drop table editlog"));
+    file.execute(editLogStatements().join(QStringLiteral(";\n")));
+    writeEditLogNote(file.handle(), QStringLiteral("start"),
+                     QStringLiteral("The year %1 was closed into years/%2; the edit log starts again with the rows carried forward.")
+                         .arg(plan.name, QFileInfo(plan.yearFile).fileName()),
+                     QString::fromLatin1(yearsLastHash));
+}
+
+} // namespace
+
+void buildNewContents(const QString &next, const YearClosePlan &plan, const QString &closedOn, const QByteArray &yearsLastHash)
+{
+    SqliteFile file(next, SqliteFile::Access::ReadWrite);
+    registerSqlFunctions(file.handle(), ShortDate());
+    Transaction transaction(file.handle());
+    file.execute(dropEditLogTriggersText());
+    carryForward(file, plan, closedOn);
+    restartEditLog(file, plan, yearsLastHash);
+    transaction.commit();
+}
+
+} // namespace vantrel
