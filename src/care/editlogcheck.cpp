@@ -1,7 +1,8 @@
 #include "editlogcheck.h"
 
 #include "care/sqlitefile.h"
-#include "data/editlog.h"
+#include "data/editlogchain.h"
+#include "data/enginestatement.h"
 
 #include <QCryptographicHash>
 #include <QJsonArray>

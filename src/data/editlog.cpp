@@ -1,6 +1,8 @@
 #include "editlog.h"
 
 #include "data/schema.h"
+#include "editlogchain.h"
+#include "enginestatement.h"
 #include "data/unhandlederror.h"
 
 #include <QCryptographicHash>
@@ -100,24 +102,6 @@ QString sealUnsealed(sqlite3 *db)
 
 } // namespace
 
-EngineStatement::EngineStatement(sqlite3 *db, const QString &sql)
-{
-    if (sqlite3_prepare_v2(db, sql.toUtf8().constData(), -1, &m_statement, nullptr) != SQLITE_OK)
-        m_statement = nullptr;
-}
-
-EngineStatement::~EngineStatement() { sqlite3_finalize(m_statement); }
-
-int EngineStatement::step() { return m_statement ? sqlite3_step(m_statement) : SQLITE_ERROR; }
-
-QByteArray EngineStatement::text(int column) const
-{
-    const auto *bytes = reinterpret_cast<const char *>(sqlite3_column_text(m_statement, column));
-    return bytes ? QByteArray(bytes, sqlite3_column_bytes(m_statement, column)) : QByteArray();
-}
-
-qint64 EngineStatement::integer(int column) const { return sqlite3_column_int64(m_statement, column); }
-
 const QVector<LoggedTable> &loggedTables()
 {
     static const QVector<LoggedTable> tables = [] {
@@ -176,51 +160,9 @@ QString dropEditLogTriggersText()
     return text;
 }
 
-EntryField fieldOf(sqlite3_value *value)
-{
-    const int type = sqlite3_value_type(value);
-    if (type == SQLITE_NULL)
-        return {'N', QByteArray()};
-    return {type == SQLITE_INTEGER ? 'I' : 'T', QByteArray(reinterpret_cast<const char *>(sqlite3_value_text(value)), sqlite3_value_bytes(value))};
-}
-
-EntryFields entryFields(sqlite3_stmt *row)
-{
-    EntryFields entry;
-    for (int i = 0; i < 8; ++i)
-        entry[i] = fieldOf(sqlite3_column_value(row, i));
-    return entry;
-}
-
-QByteArray chainHash(const QByteArray &previous, const EntryFields &entry)
-{
-    QCryptographicHash hash(QCryptographicHash::Sha256);
-    hash.addData(previous);
-    for (const EntryField &field : entry) {
-        // Each field as its kind, its length and its text: no two entries read alike.
-        hash.addData(QByteArray(1, field.kind) + QByteArray::number(field.text.size()) + ':');
-        hash.addData(field.text);
-    }
-    return hash.result().toHex();
-}
-
 QString rowsAsLoggedText(const LoggedTable &table)
 {
     return "select rowid, " + columnsOf(QString(), table.columns) + " from " + table.name + " order by rowid";
-}
-
-QByteArray tableDigest(sqlite3 *db, const LoggedTable &table)
-{
-    QCryptographicHash hash(QCryptographicHash::Sha256);
-    EngineStatement rows(db, rowsAsLoggedText(table));
-    if (!rows.prepared())
-        throw UnhandledError(QStringLiteral("Cannot read %1 for the edit log: %2").arg(table.name, engineMessage(db)));
-    while (rows.step() == SQLITE_ROW) {
-        hash.addData(QByteArray::number(sqlite3_column_int64(rows.get(), 0)) + '\x1f');
-        hash.addData(QByteArrayView(reinterpret_cast<const char *>(sqlite3_column_text(rows.get(), 1)), sqlite3_column_bytes(rows.get(), 1)));
-        hash.addData(QByteArrayView("\n"));
-    }
-    return hash.result().toHex();
 }
 
 QString attachEditLog(sqlite3 *db)

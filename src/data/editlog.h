@@ -4,7 +4,6 @@
 #include <QString>
 #include <QStringList>
 #include <QVector>
-#include <array>
 
 struct sqlite3;
 struct sqlite3_value;
@@ -29,26 +28,6 @@ namespace vantrel {
 // written by another client stays unsealed (hash null) until the program next opens the file.
 // The log refuses to be edited once sealed; nothing in the program switches it off.
 
-// A statement straight on the engine, finalized when it goes out of scope; not prepared (and
-// every step an error) when the SQL fails to compile.
-class EngineStatement {
-public:
-    EngineStatement(sqlite3 *db, const QString &sql);
-    ~EngineStatement();
-    EngineStatement(const EngineStatement &) = delete;
-    EngineStatement &operator=(const EngineStatement &) = delete;
-    bool prepared() const { return m_statement != nullptr; }
-    sqlite3_stmt *get() const { return m_statement; }
-    // SQLITE_ROW, SQLITE_DONE or an error code.
-    int step();
-    // Column COLUMN of the row it stands on: its text (null for a null) and as an integer.
-    QByteArray text(int column) const;
-    qint64 integer(int column) const;
-
-private:
-    sqlite3_stmt *m_statement = nullptr;
-};
-
 // A table the log watches, with its columns in their order.
 struct LoggedTable {
     QString name;
@@ -66,25 +45,8 @@ QStringList editLogStatements();
 QStringList editLogTriggerNames();
 // Drops every trigger of the log (a year's new file is built with the log off, then restarted).
 QString dropEditLogTriggersText();
-
-// One field of an entry as the chain reads it: its kind (N null, I integer, T anything else) and
-// the engine's text of it.
-struct EntryField {
-    char kind = 'N';
-    QByteArray text;
-};
-// An entry's fields from id to source, in the table's order.
-using EntryFields = std::array<EntryField, 8>;
-EntryField fieldOf(sqlite3_value *value);
-// The fields of the row ROW stands on, from its first eight columns.
-EntryFields entryFields(sqlite3_stmt *row);
-
-// The chain: the hash of an entry given the hash of the one before it ("" before the first).
-QByteArray chainHash(const QByteArray &previous, const EntryFields &entry);
-// The digest of a table's rows in rowid order, each as its rowid and JSON array (the same text
-// as the log's triggers write).
-QByteArray tableDigest(sqlite3 *db, const LoggedTable &table);
-// The SQL that reads a table's rows as (rowid, the JSON array of its columns), in rowid order.
+// The SQL that reads a table's rows as (rowid, the JSON array of its columns), in rowid order:
+// the same text as the log's triggers write.
 QString rowsAsLoggedText(const LoggedTable &table);
 
 // Prepares a writing connection to a file that has the log: the chain function and the
