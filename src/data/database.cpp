@@ -4,6 +4,8 @@
 #include "editlog.h"
 #include "engineforms.h"
 #include "records.h"
+#include "serverconnection.h"
+#include "serverforms.h"
 #include "shortdate.h"
 #include "sqlfunctions.h"
 #include "unhandlederror.h"
@@ -52,13 +54,43 @@ QString writeProbe(QSqlDatabase &db, sqlite3 *handle)
 } // namespace
 
 Database::Database(const QString &connectionString, Access access)
-    : m_connectionName(uniqueConnectionName()), m_fileName(dataSourceOf(connectionString)), m_access(access)
+    : m_connectionName(uniqueConnectionName()), m_server(isServerConnection(connectionString)),
+      m_fileName(m_server ? connectionString : dataSourceOf(connectionString)), m_access(access)
 {
     const QString failure = openConnection(m_connectionName, Writer);
     if (!failure.isEmpty()) {
         QSqlDatabase::removeDatabase(m_connectionName);
+        if (m_server)
+            throw UnhandledError(QStringLiteral("Cannot open the books on %1: %2").arg(serverDescription(m_fileName), failure));
         throw UnhandledError(QStringLiteral("Cannot open the database file %1: %2").arg(m_fileName, failure));
     }
+}
+
+// Every connection to the server reads dates in the program's short date form and sends figures
+// in their shortest exact text; a reader, and every connection to a closed year, only reads.
+QString Database::openServerConnection(const QString &name, Role role)
+{
+    QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QPSQL"), name);
+    if (!db.isValid())
+        return QStringLiteral("the PostgreSQL driver of Qt is not installed (libqt6sql6-psql)");
+    db.setConnectOptions(serverConnectOptions(m_fileName));
+    if (!db.open())
+        return db.lastError().databaseText().trimmed().replace(QLatin1Char('\n'), QLatin1Char(' ')).simplified();
+    static const char orders[] = {'D', 'M', 'Y'};
+    const ShortDate form;
+    const QString order = QString(QLatin1Char(orders[form.order()[0]])) + QLatin1Char(orders[form.order()[1]]) + QLatin1Char(orders[form.order()[2]]);
+    QStringList setup = {QStringLiteral("set extra_float_digits = 1"), QStringLiteral("set vantrel.date_order = '%1'").arg(order)};
+    if (role == Reader || m_access == Access::ReadOnly)
+        setup << QStringLiteral("set default_transaction_read_only = on");
+    QSqlQuery probe(db);
+    for (const QString &statement : setup)
+        if (!probe.exec(statement))
+            return serverMessage(probe.lastError());
+    if (!probe.exec(QStringLiteral("select to_regclass('salesmain') is not null and to_regclass('ledger') is not null")) || !probe.next())
+        return serverMessage(probe.lastError());
+    if (!probe.value(0).toBool())
+        return QStringLiteral("the database holds no books (vantrel-initdb makes them in an empty database)");
+    return {};
 }
 
 // The writer sets the file up: write-ahead log with a sync at every commit, so that a statement
@@ -66,6 +98,8 @@ Database::Database(const QString &connectionString, Access access)
 // each holds one pending query, and its rows are the file as it was when that query began.
 QString Database::openConnection(const QString &name, Role role)
 {
+    if (m_server)
+        return openServerConnection(name, role);
     QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), name);
     db.setDatabaseName(fileUri(m_fileName, m_access));
     db.setConnectOptions(QStringLiteral("QSQLITE_OPEN_URI;QSQLITE_BUSY_TIMEOUT=5000"));
@@ -141,11 +175,16 @@ Recordset Database::readAll(const QString &connection, const QString &sql)
     const QSqlRecord record = query.record();
     for (int i = 0; i < record.count(); ++i)
         names << record.fieldName(i);
+    if (m_server && fileColumnNames(sql).size() == names.size())
+        names = fileColumnNames(sql);
     QVector<QVector<QVariant>> rows;
+    QVector<bool> figures;
     while (query.next()) {
+        if (m_server && figures.isEmpty())
+            figures = serverFigureColumns(query.result()->handle(), record.count());
         QVector<QVariant> row(record.count());
         for (int i = 0; i < record.count(); ++i)
-            row[i] = query.value(i);
+            row[i] = m_server && figures[i] && !query.isNull(i) ? figureValue(query.value(i).toString()) : query.value(i);
         rows.append(std::move(row));
     }
     if (query.lastError().isValid())
@@ -168,6 +207,7 @@ PendingQuery Database::startQuery(const QString &sql)
     PendingQuery pending;
     pending.m_db = this;
     pending.m_connection = takeReader();
+    pending.m_sql = sql;
     pending.m_query = forwardQuery(pending.m_connection, sql); // a failure gives the reader back
     return pending;
 }
@@ -192,7 +232,8 @@ void Database::giveBack(const QString &reader)
 }
 
 PendingQuery::PendingQuery(PendingQuery &&other) noexcept
-    : m_db(std::exchange(other.m_db, nullptr)), m_connection(std::move(other.m_connection)), m_query(std::move(other.m_query))
+    : m_db(std::exchange(other.m_db, nullptr)), m_connection(std::move(other.m_connection)), m_sql(std::move(other.m_sql)),
+      m_query(std::move(other.m_query))
 {
 }
 
@@ -202,6 +243,7 @@ PendingQuery &PendingQuery::operator=(PendingQuery &&other) noexcept
         close();
         m_db = std::exchange(other.m_db, nullptr);
         m_connection = std::move(other.m_connection);
+        m_sql = std::move(other.m_sql);
         m_query = std::move(other.m_query);
     }
     return *this;
@@ -214,15 +256,45 @@ PendingQuery::~PendingQuery()
 
 sqlite3_stmt *PendingQuery::statement() const
 {
-    const QSqlResult *result = m_db ? m_query.result() : nullptr;
+    const QSqlResult *result = m_db && !m_db->m_server ? m_query.result() : nullptr;
     const QVariant handle = result ? result->handle() : QVariant();
     if (qstrcmp(handle.typeName(), "sqlite3_stmt*") != 0)
         return nullptr;
     return *static_cast<sqlite3_stmt *const *>(handle.constData());
 }
 
+QStringList PendingQuery::columnNames() const
+{
+    QStringList names;
+    const QSqlRecord record = m_query.record();
+    for (int i = 0; i < record.count(); ++i)
+        names << record.fieldName(i);
+    if (m_db && m_db->m_server && fileColumnNames(m_sql).size() == names.size())
+        return fileColumnNames(m_sql);
+    return names;
+}
+
+QString PendingQuery::failureMessage() const
+{
+    return m_db ? m_db->messageOf(m_query.lastError()) : Database::engineMessage(m_query.lastError());
+}
+
+const QVector<bool> &PendingQuery::figures(int columns) const
+{
+    if (m_figures.isEmpty())
+        m_figures = serverFigureColumns(m_query.result()->handle(), columns);
+    return m_figures;
+}
+
 bool PendingQuery::stepRow(QString &failure)
 {
+    if (m_db && m_db->m_server) {
+        if (m_query.next())
+            return true;
+        if (m_query.lastError().isValid())
+            failure = m_db->messageOf(m_query.lastError());
+        return false;
+    }
     sqlite3_stmt *row = statement();
     const int step = row ? sqlite3_step(row) : SQLITE_DONE;
     if (step != SQLITE_ROW && step != SQLITE_DONE)
@@ -232,6 +304,17 @@ bool PendingQuery::stepRow(QString &failure)
 
 void PendingQuery::appendRow(int columns, QByteArray &text, QVector<quint32> &cellEnds, std::vector<bool> &numbers) const
 {
+    if (m_db && m_db->m_server) {
+        const QVector<bool> &figure = figures(columns);
+        for (int i = 0; i < columns; ++i) {
+            const QVariant value = figure[i] && !m_query.isNull(i) ? figureValue(m_query.value(i).toString()) : m_query.value(i);
+            const int type = value.typeId();
+            numbers.push_back(!value.isNull() && (type == QMetaType::Double || type == QMetaType::Int || type == QMetaType::LongLong));
+            text += displayText(value).toUtf8();
+            cellEnds << quint32(text.size());
+        }
+        return;
+    }
     sqlite3_stmt *row = statement();
     for (int i = 0; i < columns; ++i) {
         const int type = sqlite3_column_type(row, i);
@@ -261,11 +344,14 @@ void PendingQuery::close()
         return;
     m_query.finish();
     m_query = QSqlQuery();
+    m_figures.clear();
     std::exchange(m_db, nullptr)->giveBack(m_connection);
 }
 
 QString Database::sent(const QString &sql) const
 {
+    if (m_server && hasSecondStatement(sql))
+        throw UnhandledError(QStringLiteral("Unable to execute multiple statements at a time"));
     QString text = engineText(sql);
     if (m_observer)
         m_observer(text);
@@ -274,7 +360,12 @@ QString Database::sent(const QString &sql) const
 
 void Database::fail(const QSqlQuery &query) const
 {
-    throw UnhandledError(engineMessage(query.lastError()));
+    throw UnhandledError(messageOf(query.lastError()));
+}
+
+QString Database::messageOf(const QSqlError &error) const
+{
+    return m_server ? serverMessage(error) : engineMessage(error);
 }
 
 QString Database::engineMessage(const QSqlError &error)
@@ -287,9 +378,9 @@ QString Database::engineMessage(const QSqlError &error)
     return text;
 }
 
-QString Database::engineText(const QString &sql)
+QString Database::engineText(const QString &sql) const
 {
-    return engineForm(sql);
+    return m_server ? serverForm(sql) : engineForm(sql);
 }
 
 } // namespace vantrel

@@ -39,18 +39,27 @@ public:
     void appendRow(int columns, QByteArray &text, QVector<quint32> &cellEnds, std::vector<bool> &numbers) const;
     bool isOpen() const { return m_db != nullptr; }
     void close();
+    // The names of the query's columns, as the file gives them.
+    QStringList columnNames() const;
+    // The database's message of the query's failure.
+    QString failureMessage() const;
 
 private:
-    // The engine's statement under the query; null when the query is not open.
+    // The engine's statement under the query; null when the query is not open, or on the server.
     sqlite3_stmt *statement() const;
+    // Which columns hold a figure (on the server), read from the first row's result.
+    const QVector<bool> &figures(int columns) const;
 
     friend class Database;
     Database *m_db = nullptr;
     QString m_connection;
+    QString m_sql;
     QSqlQuery m_query;
+    mutable QVector<bool> m_figures;
 };
 
-// The one connection to the shop's database file, through which every statement runs.
+// The one connection to the shop's books, through which every statement runs: the database file,
+// or the books on a PostgreSQL server (see serverschema.h for how the server keeps them).
 // Statements are single and stand alone: there is no transaction around an operator action, and
 // every write is on disk when execute() returns. Every failure throws UnhandledError carrying
 // the database's own message; the statement text is sent as it was assembled, unescaped.
@@ -61,12 +70,16 @@ public:
     // Opens the file named by the connection string's data source, never creating it: read-write,
     // or read only (a closed year: every write fails). Throws UnhandledError when the file is
     // missing, cannot be read, or is not a database, or when it cannot be written and should be.
+    // A server connection in libpq's forms (isServerConnection()) opens the books there, and
+    // throws when the server cannot be reached or the database holds no books.
     explicit Database(const QString &connectionString, Access access = Access::ReadWrite);
     ~Database();
     Database(const Database &) = delete;
     Database &operator=(const Database &) = delete;
 
+    // The file's path, or the server connection as given.
     QString fileName() const { return m_fileName; }
+    bool onServer() const { return m_server; }
 
     // Runs an insert, update or delete.
     void execute(const QString &sql);
@@ -86,16 +99,18 @@ public:
     void observeStatements(std::function<void(const QString &engineSql)> observer) { m_observer = std::move(observer); }
 
     // The statement as it is sent to the engine: the same rows, in the same order, with the
-    // same columns and errors, in a form the engine runs fast (see engineForm()).
-    static QString engineText(const QString &sql);
+    // same columns and errors, in a form the engine runs fast (see engineForm() and serverForm()).
+    QString engineText(const QString &sql) const;
 
     // The database's own message of a failed statement, as the unhandled-error box shows it.
     static QString engineMessage(const QSqlError &error);
+    QString messageOf(const QSqlError &error) const;
 
 private:
     friend class PendingQuery;
     enum Role { Writer, Reader };
     QString openConnection(const QString &name, Role role); // empty when open, else the reason
+    QString openServerConnection(const QString &name, Role role);
     QSqlQuery forwardQuery(const QString &connection, const QString &sql);
     Recordset readAll(const QString &connection, const QString &sql);
     QString takeReader();
@@ -104,6 +119,7 @@ private:
     QString sent(const QString &sql) const;
 
     QString m_connectionName;
+    bool m_server = false;
     QString m_fileName;
     Access m_access;
     QStringList m_readers;      // every reading connection, in use or not

@@ -9,7 +9,9 @@ namespace {
 // From this many matching products on, the product search walks the key index.
 const int ManyMatches = 400;
 
-QString leftJoins(const QString &sql)
+} // namespace
+
+QString leftJoinForm(const QString &sql)
 {
     static const QRegularExpression rightJoin(QStringLiteral("\\b(\\w+)\\s+(\\w+)\\s+right\\s+join\\s+(\\w+)\\s+(\\w+)\\s+on\\b"),
                                               QRegularExpression::CaseInsensitiveOption);
@@ -32,6 +34,8 @@ QString leftJoins(const QString &sql)
     }
     return text;
 }
+
+namespace {
 
 // The whole statement must be the span: a further condition could spare a row's date from
 // being converted, and so spare the statement an error that the distinct walk would raise.
@@ -86,7 +90,7 @@ QString productSearch(const QString &sql)
 
 QString engineForm(const QString &sql)
 {
-    return productSearch(dateSpan(leftJoins(sql)));
+    return productSearch(dateSpan(leftJoinForm(sql)));
 }
 
 } // namespace vantrel

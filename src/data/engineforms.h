@@ -19,4 +19,8 @@ namespace vantrel {
 //   its groups in order, so that the first screenful comes without sorting every match.
 QString engineForm(const QString &sql);
 
+// The statement with its right joins written as the equivalent left joins (the first rewrite
+// above), which every engine plans better.
+QString leftJoinForm(const QString &sql);
+
 } // namespace vantrel

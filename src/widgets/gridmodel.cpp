@@ -43,7 +43,7 @@ bool GridModel::bind(Database &db, const QString &sql, BindMode mode)
     PendingQuery pending = db.startQuery(sql); // throws before anything changes
     const bool hasRow = pending.query().next();
     if (!hasRow && pending.query().lastError().isValid())
-        throw UnhandledError(Database::engineMessage(pending.query().lastError()));
+        throw UnhandledError(pending.failureMessage());
     if (!hasRow && mode == OnlyWithRows)
         return false;
     beginResetModel();
@@ -52,9 +52,7 @@ bool GridModel::bind(Database &db, const QString &sql, BindMode mode)
     m_sql = sql;
     m_pending = std::move(pending);
     m_headings.clear();
-    const QSqlRecord record = m_pending.query().record();
-    for (int i = 0; i < record.count(); ++i)
-        m_headings << record.fieldName(i);
+    m_headings = m_pending.columnNames();
     m_numberCells.clear();
     m_text.clear();
     m_cellEnds.clear();

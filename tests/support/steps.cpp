@@ -251,7 +251,11 @@ void StepDesk::step(const QString &verb, const QString &argument)
     const QString name = argument.section(QLatin1Char('='), 0, 0);
     const QString value = argument.section(QLatin1Char('='), 1);
     QString failure;
-    if (verb == "open") {
+    if (verb == "file") {
+        // What only the file has (its storage classes, the sqlite3 shell): not on the server.
+        if (!shop.db().onServer())
+            step(argument.section(QLatin1Char(' '), 0, 0), argument.section(QLatin1Char(' '), 1));
+    } else if (verb == "open") {
         m_window->findChild<QAction *>(argument)->trigger();
         m_screen = m_window->screen(argument);
     } else if (verb == "window") {
@@ -332,7 +336,7 @@ void StepDesk::step(const QString &verb, const QString &argument)
         failure = same(sql, message, argument.section(" => ", 1));
     } else if (verb == "same") {
         const QString fast = argument.section(" => ", 0, 0);
-        CHECK(Database::engineText(fast) != fast, "the engine runs this as it stands: " + fast);
+        CHECK(shop.db().engineText(fast) != fast, "the engine runs this as it stands: " + fast);
         failure = same(fast, described(fast), described(argument.section(" => ", 1)));
     } else if (verb == "shell") {
         QProcess shell;

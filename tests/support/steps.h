@@ -18,6 +18,7 @@ using Rows = QList<QStringList>;
 // operator does on the screen opened last, then what the screen, the messages and the file must show. A
 // step the runner does not know fails the case, as does the first failing check; either names the line.
 // TARGET is an on-screen label, a grid's role or a button's caption.
+//   either: file STEP (on the file alone; the server has no such thing)
 //   acting: open ENTRY (the menu entry's name) | window TITLE | start ENTRY MODE [PARTY] | reopen ENTRY
 //     MODE NUMBER | today MM/DD/YYYY (the clock's) | day MM/DD/YYYY (the next date asked; "-" drops it)
 //     | add CODE QTY [RATE] | type/set TARGET=TEXT (key by key, at once) | clear TARGET |

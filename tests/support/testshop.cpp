@@ -1,7 +1,13 @@
 #include "testshop.h"
 
+#include "data/serverconnection.h"
+#include "data/serverschema.h"
+
 #include <QRegularExpression>
 #include <QSettings>
+#include <QSqlDatabase>
+#include <QSqlError>
+#include <QSqlQuery>
 #include <QTest>
 
 namespace vantrel::test {
@@ -43,30 +49,92 @@ QString errorOf(const std::function<void()> &action)
     return QStringLiteral("(no error)");
 }
 
+QString testServer()
+{
+    QFile uri(qEnvironmentVariable("VANTREL_TEST_SERVER") + QStringLiteral("/uri"));
+    if (qEnvironmentVariableIsEmpty("VANTREL_TEST_SERVER"))
+        return {};
+    if (!uri.open(QIODevice::ReadOnly))
+        qFatal("VANTREL_TEST_SERVER names no running test server (tests/support/pgserver ROOT start)");
+    return QString::fromUtf8(uri.readAll()).trimmed();
+}
+
+namespace {
+
+// The test server's connection to database NAME.
+QString serverDatabase(const QString &name)
+{
+    return QString(testServer()).replace(QStringLiteral("/postgres?"), QLatin1Char('/') + name + QLatin1Char('?'));
+}
+
+// Runs a statement on the test server's own database, outside any shop's books.
+void onServer(const QString &sql)
+{
+    {
+        QSqlDatabase admin = QSqlDatabase::database(QStringLiteral("test-server"), false);
+        if (!admin.isValid()) {
+            admin = QSqlDatabase::addDatabase(QStringLiteral("QPSQL"), QStringLiteral("test-server"));
+            admin.setConnectOptions(serverConnectOptions(testServer()));
+        }
+        QSqlQuery query(admin);
+        if (!admin.open() || !query.exec(sql))
+            qFatal("the test server refused %s: %s", qPrintable(sql), qPrintable(query.lastError().text() + admin.lastError().text()));
+    }
+}
+
+// Fills a new shop's books with the shared shop, through the program's own connection as the
+// screens write.
+void fill(const QString &books)
+{
+    QFile sql(QStringLiteral(VANTREL_SHOP_SQL));
+    if (!sql.open(QIODevice::ReadOnly))
+        QTest::qFail("the shared shop's SQL cannot be read", __FILE__, __LINE__);
+    Database db(books);
+    const QString text = QString::fromUtf8(sql.readAll()).remove(QRegularExpression(QStringLiteral("--[^\n]*")));
+    db.execute(QStringLiteral("begin")); // one sync for the whole shop
+    for (const QString &statement : text.split(QLatin1Char(';')))
+        if (!statement.trimmed().isEmpty())
+            db.execute(statement);
+    db.execute(QStringLiteral("commit"));
+}
+
+} // namespace
+
 TestShop::TestShop(Start start)
     : m_dir(std::make_unique<QTemporaryDir>(QDir::tempPath() + QStringLiteral("/vantrel shop-XXXXXX"))), m_path(m_dir->path())
 {
-    // Each kind of shop is made once per test program, through the program's own connection as
-    // the screens write, and copied: the same file each time.
-    static QTemporaryDir made;
-    const QString kind = made.filePath(start == Empty ? QStringLiteral("empty") : QStringLiteral("filled")), first = kind + "/vantrel.accdb";
-    if (QDir().mkdir(kind)) {
-        createDatabaseFile(first);
-        QFile sql(QStringLiteral(VANTREL_SHOP_SQL));
-        if (start == Filled && !sql.open(QIODevice::ReadOnly))
-            QTest::qFail("the shared shop's SQL cannot be read", __FILE__, __LINE__);
-        if (start == Filled) {
-            Database db(buildConnectionString(kind));
-            const QString text = QString::fromUtf8(sql.readAll()).remove(QRegularExpression(QStringLiteral("--[^\n]*")));
-            db.execute(QStringLiteral("begin")); // one sync for the whole shop
-            for (const QString &statement : text.split(QLatin1Char(';')))
-                if (!statement.trimmed().isEmpty())
-                    db.execute(statement);
-            db.execute(QStringLiteral("commit"));
+    // Each kind of shop is made once per test program and copied: the same books each time.
+    const QString kind = start == Empty ? QStringLiteral("empty") : QStringLiteral("filled");
+    if (!testServer().isEmpty()) {
+        static QStringList made;
+        static int shops = 0;
+        const QString prefix = QStringLiteral("shop_%1_").arg(QCoreApplication::applicationPid()), first = prefix + kind;
+        if (!made.contains(kind)) {
+            onServer(QStringLiteral("create database ") + first);
+            createServerBooks(serverDatabase(first));
+            if (start == Filled)
+                fill(serverDatabase(first));
+            made << kind;
         }
+        m_serverDatabase = prefix + QString::number(++shops);
+        onServer(QStringLiteral("create database %1 template %2").arg(m_serverDatabase, first));
+        open();
+        return;
+    }
+    static QTemporaryDir made;
+    const QString folder = made.filePath(kind), first = folder + "/vantrel.accdb";
+    if (QDir().mkdir(folder)) {
+        createDatabaseFile(first);
+        if (start == Filled)
+            fill(buildConnectionString(folder));
     }
     QFile::copy(first, file());
     open();
+}
+
+QString TestShop::books() const
+{
+    return m_serverDatabase.isEmpty() ? buildConnectionString(m_path) : serverDatabase(m_serverDatabase);
 }
 
 TestShop::TestShop(const QString &directory) : m_path(directory)
@@ -78,12 +146,18 @@ void TestShop::open()
 {
     // Settings of the shop's own, from the program's defaults: two runs at once never share them.
     QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, m_path);
-    m_db = std::make_unique<Database>(buildConnectionString(m_path));
+    m_db = std::make_unique<Database>(books());
     m_services.reset(new Services{*m_db, dialogs, clock, m_path,
                                   [this](const QString &message) { unhandledErrors << message; }, {}, {}, {}});
 }
 
-TestShop::~TestShop() = default;
+TestShop::~TestShop()
+{
+    m_services.reset();
+    m_db.reset();
+    if (!m_serverDatabase.isEmpty())
+        onServer(QStringLiteral("drop database %1 with (force)").arg(m_serverDatabase));
+}
 
 namespace {
 

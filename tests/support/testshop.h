@@ -54,10 +54,14 @@ public:
     QDate day{2026, 11, 23};
 };
 
+// The tests' own PostgreSQL server (tests/support/pgserver) when VANTREL_TEST_SERVER names its
+// folder: the books are then on it. Empty when the tests run on the file.
+QString testServer();
+
 // A fresh shop: a database file written by the same code as vantrel-initdb, in a temporary
-// program directory whose name has a blank in it, opened through the connection string; empty,
-// or holding the shared shop (tests/support/shop.sql). Unhandled errors are recorded instead of
-// ending the program.
+// program directory whose name has a blank in it, opened through the connection string; or, on
+// the tests' server, a database of its own made by the same code. Empty, or holding the shared
+// shop (tests/support/shop.sql). Unhandled errors are recorded instead of ending the program.
 class TestShop {
 public:
     enum Start { Empty, Filled };
@@ -68,6 +72,8 @@ public:
 
     QString directory() const { return m_path; }
     QString file() const { return m_path + QStringLiteral("/vantrel.accdb"); }
+    // Where the books are: the connection string of the file, or the server's connection.
+    QString books() const;
     Database &db() { return *m_db; }
     Services &services() { return *m_services; }
 
@@ -85,6 +91,7 @@ private:
 
     std::unique_ptr<QTemporaryDir> m_dir;
     QString m_path;
+    QString m_serverDatabase; // the shop's database on the tests' server, if it is there
     std::unique_ptr<Database> m_db;
     std::unique_ptr<Services> m_services;
 };

@@ -1,0 +1,115 @@
+#include "serverconnection.h"
+
+#include "unhandlederror.h"
+
+#include <QRegularExpression>
+#include <QStringList>
+#include <cmath>
+#include <libpq-fe.h>
+
+namespace vantrel {
+
+bool isServerConnection(const QString &text)
+{
+    static const QRegularExpression keyValue(QStringLiteral("^\\s*(service|host|hostaddr|dbname|user|port)\\s*="));
+    return text.startsWith(QLatin1String("postgresql://")) || text.startsWith(QLatin1String("postgres://")) || keyValue.match(text).hasMatch();
+}
+
+namespace {
+
+// Each parameter the connection sets, as libpq reads it.
+QList<std::pair<QString, QString>> parameters(const QString &connection)
+{
+    char *error = nullptr;
+    PQconninfoOption *options = PQconninfoParse(connection.toUtf8().constData(), &error);
+    if (!options) {
+        const QString reason = error ? QString::fromUtf8(error).trimmed() : QStringLiteral("out of memory");
+        PQfreemem(error);
+        throw UnhandledError(QStringLiteral("The server connection \"%1\" cannot be read: %2").arg(connection, reason));
+    }
+    QList<std::pair<QString, QString>> set;
+    for (PQconninfoOption *option = options; option->keyword; ++option)
+        if (option->val && *option->val)
+            set.append({QString::fromUtf8(option->keyword), QString::fromUtf8(option->val)});
+    PQconninfoFree(options);
+    return set;
+}
+
+} // namespace
+
+QString serverConnectOptions(const QString &connection)
+{
+    QStringList pairs;
+    for (const auto &[key, value] : parameters(connection)) {
+        QString quoted = value;
+        quoted.replace(QLatin1Char('\\'), QLatin1String("\\\\")).replace(QLatin1Char('\''), QLatin1String("\\'"));
+        pairs << key + QStringLiteral("='") + quoted + QLatin1Char('\'');
+    }
+    return pairs.join(QLatin1Char(';'));
+}
+
+QString serverDescription(const QString &connection)
+{
+    QString host, port, database, service;
+    for (const auto &[key, value] : parameters(connection)) {
+        if (key == QLatin1String("host") || key == QLatin1String("hostaddr"))
+            host = value;
+        else if (key == QLatin1String("port"))
+            port = value;
+        else if (key == QLatin1String("dbname"))
+            database = value;
+        else if (key == QLatin1String("service"))
+            service = value;
+    }
+    if (!service.isEmpty() && host.isEmpty())
+        return QStringLiteral("the server of the service %1").arg(service);
+    return QStringLiteral("the server %1, port %2, database %3")
+        .arg(host.isEmpty() ? QStringLiteral("on this computer") : host, port.isEmpty() ? QStringLiteral("5432") : port,
+             database.isEmpty() ? QStringLiteral("(the user's own)") : database);
+}
+
+QString serverMessage(const QSqlError &error)
+{
+    const QString state = error.nativeErrorCode();
+    if (state == QLatin1String("22P02") || state == QLatin1String("22007") || state == QLatin1String("22008")
+        || (state == QLatin1String("23514") && error.databaseText().contains(QLatin1String("_number\""))))
+        return QStringLiteral("Data type mismatch in criteria expression.");
+    if (state == QLatin1String("22003"))
+        return QStringLiteral("Overflow");
+    // The driver's text is the server's report, "ERROR:  message" and lines of detail.
+    QString text = error.databaseText().section(QLatin1Char('\n'), 0, 0).trimmed();
+    static const QRegularExpression severity(QStringLiteral("^(ERROR|FATAL|PANIC):\\s+"));
+    text.remove(severity);
+    if (!state.isEmpty() && text.endsWith(QLatin1Char('(') + state + QLatin1Char(')')))
+        text.chop(state.size() + 2);
+    // A statement the system assembled wrongly reads as it reads on the file.
+    static const QRegularExpression near(QStringLiteral("^syntax error at or near (\".*\")$"));
+    text.replace(near, QStringLiteral("near \\1: syntax error"));
+    if (text == QLatin1String("syntax error at end of input"))
+        return QStringLiteral("incomplete input");
+    return text.isEmpty() ? error.text() : text;
+}
+
+QVector<bool> serverFigureColumns(const QVariant &resultHandle, int columns)
+{
+    QVector<bool> figures(columns, false);
+    if (qstrcmp(resultHandle.typeName(), "PGresult*") != 0 && qstrcmp(resultHandle.typeName(), "pg_result*") != 0)
+        return figures;
+    const PGresult *result = *static_cast<PGresult *const *>(resultHandle.constData());
+    const Oid Text = 25;
+    for (int i = 0; result && i < columns && i < PQnfields(result); ++i)
+        figures[i] = PQftype(result, i) == Text && PQftable(result, i) != InvalidOid;
+    return figures;
+}
+
+QVariant figureValue(const QString &text)
+{
+    const QChar first = text.isEmpty() ? QChar() : text.front();
+    if (!(first.isDigit() || first == QLatin1Char('-') || first == QLatin1Char('+') || first == QLatin1Char('.')))
+        return text;
+    bool number = false;
+    const double value = text.toDouble(&number);
+    return number && std::isfinite(value) ? QVariant(value) : QVariant(text);
+}
+
+} // namespace vantrel

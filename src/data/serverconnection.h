@@ -1,0 +1,37 @@
+#pragma once
+
+#include <QSqlError>
+#include <QString>
+#include <QVariant>
+#include <QVector>
+
+namespace vantrel {
+
+// Whether TEXT names the books on a PostgreSQL server, in libpq's own forms
+// ("postgresql://user@host:port/db", "postgres://...", or key=value pairs such as "service=NAME"),
+// rather than a file.
+bool isServerConnection(const QString &text);
+
+// The connection's parameters as the server driver takes them ("key='value'" pairs, separated by
+// ';'), read by libpq itself; throws UnhandledError naming what libpq could not read.
+QString serverConnectOptions(const QString &connection);
+
+// The server a connection names, for the operator: "the server HOST, port PORT, database DB",
+// with libpq's defaults where the connection leaves a part out.
+QString serverDescription(const QString &connection);
+
+// The server's message of a failed statement as the system says it: a text that is no number
+// where a number must stand is "Data type mismatch in criteria expression.", a number beyond its
+// column's range "Overflow"; any other failure the server's own first line.
+QString serverMessage(const QSqlError &error);
+
+// Which columns of the result under a server query hold a table's figure (a text column of a
+// table or view, the only ones the shop's tables have: their text columns are citext), from the
+// driver's handle of the result; empty when the handle is not the server's.
+QVector<bool> serverFigureColumns(const QVariant &resultHandle, int columns);
+
+// A figure as the file holds it: a number when the text is one (the server keeps a number as its
+// shortest text), else the text as typed.
+QVariant figureValue(const QString &text);
+
+} // namespace vantrel

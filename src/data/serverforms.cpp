@@ -1,0 +1,201 @@
+#include "serverforms.h"
+
+#include "engineforms.h"
+#include "serverschema.h"
+
+#include <QRegularExpression>
+
+namespace vantrel {
+
+namespace {
+
+using Rewrite = QString (*)(QString outside);
+
+// SQL with each stretch outside quotes passed through REWRITE; the values stand as they are.
+QString outsideValues(const QString &sql, Rewrite rewrite)
+{
+    QString text;
+    text.reserve(sql.size() + 16);
+    qsizetype from = 0;
+    while (from < sql.size()) {
+        const qsizetype quote = sql.indexOf(QLatin1Char('\''), from);
+        text += rewrite(sql.mid(from, quote < 0 ? -1 : quote - from));
+        if (quote < 0)
+            break;
+        // A doubled quote inside a value ends and restarts it, which reads the same here.
+        const qsizetype closing = sql.indexOf(QLatin1Char('\''), quote + 1);
+        const qsizetype end = closing < 0 ? sql.size() : closing + 1;
+        text += QStringView(sql).mid(quote, end - quote);
+        from = end;
+    }
+    return text;
+}
+
+// The statement with its values blanked, to look at its shape.
+QString withoutValues(const QString &sql)
+{
+    static const QRegularExpression value(QStringLiteral("'[^']*'"));
+    return QString(sql).replace(value, QStringLiteral("''"));
+}
+
+// Whether NAME is a figure in every table that has it (psrno is a number in the product master).
+bool isFigure(const QString &name)
+{
+    static const QStringList figures = {"netamt", "dis", "disamt", "gd", "qty", "rate", "amount", "totqty", "amt", "usedqty",
+                                        "stk", "debit", "credit", "balance", "mrp", "wr"};
+    return figures.contains(name.toLower());
+}
+
+QString names(QString outside)
+{
+    static const QRegularExpression bracketed(QStringLiteral("\\[(\\w+)\\]"));
+    static const QRegularExpression format(QStringLiteral("(?<![\\w.])format\\s*\\("), QRegularExpression::CaseInsensitiveOption);
+    static const QRegularExpression sum(
+        QStringLiteral("\\bsum\\(\\s*((?:\\w+\\.)?)(netamt|dis|disamt|gd|qty|rate|amount|totqty|amt|usedqty|stk|debit|credit|balance|mrp|wr)\\s*\\)"),
+        QRegularExpression::CaseInsensitiveOption);
+    return outside.replace(bracketed, QStringLiteral("\"\\1\"")).replace(format, QStringLiteral("vformat(")).replace(sum, QStringLiteral("sum(\\1\\2__n)"));
+}
+
+// A value after "like" is a pattern with no escape character.
+QString likeEscapes(const QString &sql)
+{
+    static const QRegularExpression like(QStringLiteral("\\blike\\s*$"), QRegularExpression::CaseInsensitiveOption);
+    QString text;
+    bool pattern = false;
+    qsizetype from = 0;
+    while (from < sql.size()) {
+        const qsizetype quote = sql.indexOf(QLatin1Char('\''), from);
+        const QString outside = sql.mid(from, quote < 0 ? -1 : quote - from);
+        text += (pattern ? QStringLiteral(" escape '' ") : QString()) + outside;
+        if (quote < 0)
+            return text;
+        pattern = like.match(outside).hasMatch();
+        const qsizetype closing = sql.indexOf(QLatin1Char('\''), quote + 1);
+        const qsizetype end = closing < 0 ? sql.size() : closing + 1;
+        text += QStringView(sql).mid(quote, end - quote);
+        from = end;
+    }
+    return text + (pattern ? QStringLiteral(" escape ''") : QString());
+}
+
+QStringList starColumns(const QString &table)
+{
+    if (table.compare(QLatin1String("receipt"), Qt::CaseInsensitive) == 0)
+        return receiptColumns();
+    const ServerTable *known = serverTable(table);
+    return known ? known->names() : QStringList();
+}
+
+// A select from one table, with no order, grouping or aggregate of its own: T's own columns for
+// a star, in the order the file reads them. The file reads a table in the order its rows came in,
+// and the rows its index finds for equal keys in that order too; a prefix search on an indexed
+// name walks that index, so its rows come by the name.
+QString tableOrder(const QString &sql)
+{
+    static const QRegularExpression single(QStringLiteral("^\\s*select\\s+(.+?)\\s+from\\s+(\\w+)(\\s+where\\s.*)?$"),
+                                           QRegularExpression::CaseInsensitiveOption | QRegularExpression::DotMatchesEverythingOption);
+    static const QRegularExpression shaped(QStringLiteral("\\b(order|group|join|union|limit|max|min|sum|count|avg|distinct)\\b"),
+                                           QRegularExpression::CaseInsensitiveOption);
+    static const QRegularExpression prefix(QStringLiteral("^\\s+where\\s+(prodname|suppname|companyname|model|cmpid|ac|accnm)\\s+like\\s+'[^'%_]"),
+                                           QRegularExpression::CaseInsensitiveOption);
+    const QRegularExpressionMatch m = single.match(sql);
+    if (!m.hasMatch() || shaped.match(withoutValues(sql)).hasMatch() || m.captured(2).compare(QLatin1String("select"), Qt::CaseInsensitive) == 0)
+        return sql;
+    const QStringList columns = starColumns(m.captured(2));
+    if (columns.isEmpty())
+        return sql;
+    const QString list = m.captured(1).trimmed() == QLatin1String("*") ? columns.join(QLatin1Char(',')) : m.captured(1);
+    const QRegularExpressionMatch byName = prefix.match(m.captured(3));
+    const QString order = byName.hasMatch() ? byName.captured(1) + QStringLiteral(", rowid") : QStringLiteral("rowid");
+    return QStringLiteral("select %1 from %2%3 order by %4").arg(list, m.captured(2), m.captured(3), order);
+}
+
+// A grouped statement with no order of its own: its groups in the order of the grouping.
+QString groupOrder(const QString &sql)
+{
+    static const QRegularExpression grouped(QStringLiteral("\\bgroup\\s+by\\s+([\\w.,\\s]+?)\\s*$"), QRegularExpression::CaseInsensitiveOption);
+    static const QRegularExpression ordered(QStringLiteral("\\b(order\\s+by|union|having|limit)\\b"), QRegularExpression::CaseInsensitiveOption);
+    const QString shape = withoutValues(sql);
+    const QRegularExpressionMatch m = grouped.match(shape);
+    if (!m.hasMatch() || ordered.match(shape).hasMatch())
+        return sql;
+    QStringList order;
+    for (const QString &item : m.captured(1).split(QLatin1Char(','))) {
+        const QString column = item.trimmed();
+        if (isFigure(column.section(QLatin1Char('.'), -1)))
+            order << QStringLiteral("vfigure_is_text(%1), vleading(%1), %1").arg(column);
+        else
+            order << column;
+    }
+    return sql + QStringLiteral(" order by ") + order.join(QStringLiteral(", "));
+}
+
+// The items of a list split at its top-level commas.
+QStringList topLevelItems(const QString &list)
+{
+    QStringList items;
+    int depth = 0;
+    bool quoted = false;
+    qsizetype start = 0;
+    for (qsizetype i = 0; i < list.size(); ++i) {
+        const QChar c = list[i];
+        if (c == QLatin1Char('\''))
+            quoted = !quoted;
+        else if (!quoted && c == QLatin1Char('('))
+            ++depth;
+        else if (!quoted && c == QLatin1Char(')'))
+            --depth;
+        else if (!quoted && depth == 0 && c == QLatin1Char(',')) {
+            items << list.mid(start, i - start).trimmed();
+            start = i + 1;
+        }
+    }
+    items << list.mid(start).trimmed();
+    return items;
+}
+
+} // namespace
+
+QString serverForm(const QString &sql)
+{
+    return likeEscapes(groupOrder(tableOrder(outsideValues(leftJoinForm(sql), names))));
+}
+
+bool hasSecondStatement(const QString &sql)
+{
+    const QString shape = withoutValues(sql);
+    const qsizetype end = shape.indexOf(QLatin1Char(';'));
+    return end >= 0 && !QStringView(shape).mid(end + 1).trimmed().isEmpty();
+}
+
+QStringList fileColumnNames(const QString &sql)
+{
+    static const QRegularExpression select(QStringLiteral("^\\s*select\\s+(?:distinct\\s+)?(.*?)\\s+from\\s+(\\w+)\\b"),
+                                           QRegularExpression::CaseInsensitiveOption | QRegularExpression::DotMatchesEverythingOption);
+    static const QRegularExpression alias(QStringLiteral("^.*\\s+as\\s+\\[?(\\w+)\\]?$"),
+                                          QRegularExpression::CaseInsensitiveOption | QRegularExpression::DotMatchesEverythingOption);
+    static const QRegularExpression column(QStringLiteral("^(?:\\w+\\.)?(\\w+)$"));
+    const QRegularExpressionMatch m = select.match(withoutValues(sql));
+    if (!m.hasMatch())
+        return {};
+    // The list as written, values included: an expression's name is its text.
+    const QString list = sql.mid(m.capturedStart(1), m.capturedLength(1));
+    QStringList names;
+    for (const QString &item : topLevelItems(list)) {
+        if (item == QLatin1String("*")) {
+            const QStringList columns = starColumns(m.captured(2));
+            if (columns.isEmpty())
+                return {};
+            names << columns;
+        } else if (const auto a = alias.match(item); a.hasMatch()) {
+            names << a.captured(1);
+        } else if (const auto c = column.match(item); c.hasMatch()) {
+            names << c.captured(1);
+        } else {
+            names << item;
+        }
+    }
+    return names;
+}
+
+} // namespace vantrel

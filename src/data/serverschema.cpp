@@ -1,0 +1,298 @@
+#include "serverschema.h"
+
+#include "schema.h"
+#include "serverconnection.h"
+#include "unhandlederror.h"
+
+#include <QSqlDatabase>
+#include <QSqlQuery>
+
+namespace vantrel {
+
+QStringList ServerTable::names() const
+{
+    QStringList list;
+    for (const Column &column : columns)
+        list << column.name;
+    return list;
+}
+
+QStringList ServerTable::figures() const
+{
+    QStringList list;
+    for (const Column &column : columns)
+        if (column.kind == Figure)
+            list << column.name;
+    return list;
+}
+
+const QVector<ServerTable> &serverTables()
+{
+    using T = ServerTable;
+    static const QVector<ServerTable> tables = {
+        {"companymaster", {{"companyname", T::Text}, {"cmpid", T::Text}, {"shortname", T::Text}, {"address", T::Text}, {"pin", T::Text}}},
+        {"productmaster",
+         {{"cmpid", T::Text}, {"mfgname", T::Text}, {"psrno", T::Numbering}, {"prodname", T::Text}, {"shortname", T::Text},
+          {"model", T::Text}, {"mrp", T::Figure}, {"wr", T::Figure}, {"rate", T::Figure}, {"boxno", T::Text}}},
+        {"suppliermaster",
+         {{"ID", T::Numbering}, {"suppname", T::Text}, {"shortname", T::Text}, {"address", T::Text}, {"city", T::Text},
+          {"phone", T::Text}, {"mobile", T::Text}, {"pin", T::Text}, {"cbso", T::Text}, {"acctype", T::Text}}},
+        {"salesmain",
+         {{"invoice", T::Numbering}, {"dat", T::Text}, {"party", T::Text}, {"trans", T::Text}, {"netamt", T::Figure},
+          {"dis", T::Figure}, {"disamt", T::Figure}, {"gd", T::Figure}}},
+        {"sales",
+         {{"cmpid", T::Text}, {"psrno", T::Figure}, {"invoice", T::Text}, {"prodname", T::Text}, {"party", T::Text},
+          {"model", T::Text}, {"qty", T::Figure}, {"rate", T::Figure}, {"amount", T::Figure}, {"trans", T::Text}, {"status", T::Text}}},
+        {"purchasemain", {{"pono", T::Numbering}, {"dat", T::Text}, {"party", T::Text}, {"trans", T::Text}, {"netamt", T::Figure}}},
+        {"purchase",
+         {{"cmpid", T::Text}, {"psrno", T::Figure}, {"pono", T::Text}, {"prodname", T::Text}, {"party", T::Text},
+          {"model", T::Text}, {"qty", T::Figure}, {"rate", T::Figure}, {"amount", T::Figure}, {"trans", T::Text}, {"status", T::Text}}},
+        {"stock",
+         {{"cmpid", T::Text}, {"pono", T::Text}, {"psrno", T::Figure}, {"prodname", T::Text}, {"model", T::Text},
+          {"party", T::Text}, {"totqty", T::Figure}, {"rate", T::Figure}, {"amt", T::Figure}, {"usedqty", T::Figure}, {"stk", T::Figure}}},
+        {"ledger",
+         {{"refno", T::Reference}, {"dat", T::Text}, {"ac", T::Text}, {"debit", T::Figure}, {"credit", T::Figure},
+          {"accnm", T::Text}, {"type", T::Text}, {"balance", T::Figure}}},
+    };
+    return tables;
+}
+
+const ServerTable *serverTable(const QString &name)
+{
+    for (const ServerTable &table : serverTables())
+        if (table.name.compare(name, Qt::CaseInsensitive) == 0)
+            return &table;
+    return nullptr;
+}
+
+QStringList receiptColumns()
+{
+    return {"refno", "dat", "ac", "amt", "accnm"};
+}
+
+namespace {
+
+// The functions the tables and the statements use. A figure's text is a number when it is one
+// as the file reads numbers (blanks around, a sign, digits with a point, an exponent): it is kept
+// as the shortest text of its double; a number beyond the double's range fails with the server's
+// "out of range", which the program says as "Overflow".
+const char *functionsText()
+{
+    return R"sql(
+create extension if not exists citext;
+
+create function vfigure(v text) returns text language sql immutable parallel safe
+    set extra_float_digits = 1 as $$
+    select case when v ~ '^\s*[-+]?([0-9]+\.?[0-9]*|\.[0-9]+)([eE][-+]?[0-9]+)?\s*$' then (v::float8)::text else v end $$;
+
+create function vleading(v text) returns double precision language sql immutable parallel safe as $$
+    select case when v is null then null
+        else coalesce(substring(v from '^\s*([-+]?(?:[0-9]+\.?[0-9]*|\.[0-9]+)(?:[eE][-+]?[0-9]+)?)')::float8, 0) end $$;
+
+-- A figure and a number are equal when the figure is that number, as the file compares a Number
+-- column's text with a number: never.
+create function vfigure_equals(a text, b double precision) returns boolean language sql immutable parallel safe as $$
+    select a ~ '^-?[0-9.]+(e[-+][0-9]+)?$' and a::float8 = b $$;
+create function vnumber_equals(a double precision, b text) returns boolean language sql immutable parallel safe as $$
+    select vfigure_equals(b, a) $$;
+create operator = (leftarg = text, rightarg = double precision, function = vfigure_equals, commutator = =);
+create operator = (leftarg = double precision, rightarg = text, function = vnumber_equals, commutator = =);
+
+-- A figure's place in an order, as the file sorts a Number column: numbers first, by value, then
+-- texts.
+create function vfigure_is_text(a text) returns boolean language sql immutable parallel safe as $$
+    select a !~ '^-?[0-9.]+(e[-+][0-9]+)?$' $$;
+
+-- The date a text gives in the program's short date form (its order of day, month and year in
+-- the setting vantrel.date_order, as "MDY"), or an ISO date: the ISO date's text; null for a null;
+-- any other text is a type mismatch.
+create function cdate(v text) returns text language plpgsql stable parallel safe as $$
+declare
+    m text[];
+    y int; mo int; d int; ydigits int;
+    form text := coalesce(nullif(current_setting('vantrel.date_order', true), ''), 'MDY');
+    n int[];
+begin
+    if v is null then return null; end if;
+    m := regexp_match(v, '^ *([0-9]{1,5})([^0-9 ])([0-9]{1,5})([^0-9 ])([0-9]{1,5}) *$');
+    if m is null then
+        raise exception 'Data type mismatch in criteria expression.' using errcode = '22P02';
+    end if;
+    n := array[m[1]::int, m[3]::int, m[5]::int];
+    if length(m[1]) = 4 and m[2] = '-' and m[4] = '-' then
+        y := n[1]; mo := n[2]; d := n[3];
+    else
+        for k in 1..3 loop
+            case substr(form, k, 1)
+                when 'D' then d := n[k];
+                when 'M' then mo := n[k];
+                else
+                    ydigits := length(m[2 * k - 1]);
+                    y := case when ydigits <= 2 then case when n[k] < 30 then 2000 + n[k] else 1900 + n[k] end
+                              when ydigits = 4 then n[k] else -1 end;
+            end case;
+        end loop;
+    end if;
+    if y < 100 or y > 9999 or mo < 1 or mo > 12 or d < 1
+       or d > extract(day from make_date(y, mo, 1) + interval '1 month' - interval '1 day') then
+        raise exception 'Data type mismatch in criteria expression.' using errcode = '22P02';
+    end if;
+    return lpad(y::text, 4, '0') || '-' || lpad(mo::text, 2, '0') || '-' || lpad(d::text, 2, '0');
+end $$;
+
+-- A number is a day count from 30 December 1899.
+create function cdate(v double precision) returns text language plpgsql immutable parallel safe as $$
+begin
+    if v is null then return null; end if;
+    if not (v > -657435 and v < 2958466) then
+        raise exception 'Data type mismatch in criteria expression.' using errcode = '22P02';
+    end if;
+    return to_char(date '1899-12-30' + trunc(v)::int, 'YYYY-MM-DD');
+end $$;
+
+-- A date (as cdate takes it) written with the pattern's d, dd, m, mm, mmm, mmmm, yy, yyyy in any
+-- case, other characters standing as they are; a value that is not a date comes back as its text.
+create function vformat(v text, pattern text) returns text language plpgsql stable parallel safe as $$
+declare
+    iso text; y int; mo int; d int; i int := 1; c text; run int; out text := '';
+    months text[] := array['January','February','March','April','May','June','July','August','September','October','November','December'];
+begin
+    if v is null then return null; end if;
+    begin
+        iso := cdate(v);
+    exception when invalid_text_representation then
+        return v;
+    end;
+    y := substr(iso, 1, 4)::int; mo := substr(iso, 6, 2)::int; d := substr(iso, 9, 2)::int;
+    while i <= length(pattern) loop
+        c := lower(substr(pattern, i, 1));
+        run := 1;
+        while i + run <= length(pattern) and lower(substr(pattern, i + run, 1)) = c loop run := run + 1; end loop;
+        if c = 'y' then
+            out := out || case when run >= 3 then lpad(y::text, 4, '0') else lpad((y % 100)::text, 2, '0') end;
+        elsif c = 'm' and run >= 3 then
+            out := out || case when run = 3 then left(months[mo], 3) else months[mo] end;
+        elsif c = 'm' or c = 'd' then
+            out := out || lpad((case when c = 'm' then mo else d end)::text, case when run >= 2 then 2 else 1 end, '0');
+        else
+            out := out || substr(pattern, i, run);
+        end if;
+        i := i + run;
+    end loop;
+    return out;
+end $$;
+
+create function vformat(v double precision, pattern text) returns text language plpgsql stable parallel safe as $$
+begin
+    if v is null then return null; end if;
+    if not (v > -657435 and v < 2958466) then return v::text; end if;
+    return vformat(cdate(v), pattern);
+end $$;
+)sql";
+}
+
+QString columnText(const QString &table, const ServerTable::Column &column)
+{
+    switch (column.kind) {
+    case ServerTable::Text:
+        return column.name + QStringLiteral(" citext collate \"C\"");
+    case ServerTable::Numbering:
+        return QStringLiteral("%1 double precision constraint %2_%1_number check (%1 not in ('Infinity', '-Infinity', 'NaN'))")
+            .arg(column.name, table);
+    case ServerTable::Reference:
+        return column.name + QStringLiteral(" smallint");
+    case ServerTable::Figure:
+        return QStringLiteral("%1 text, %1__n double precision generated always as (vleading(%1)) stored").arg(column.name);
+    }
+    return {};
+}
+
+QString tableText(const ServerTable &table)
+{
+    QStringList columns;
+    for (const ServerTable::Column &column : table.columns)
+        columns << columnText(table.name, column);
+    columns << QStringLiteral("rowid bigint generated always as identity primary key");
+    QString text = QStringLiteral("create table %1(\n    %2);\n").arg(table.name, columns.join(QStringLiteral(",\n    ")));
+    const QStringList figures = table.figures();
+    if (figures.isEmpty())
+        return text;
+    QString sets;
+    for (const QString &figure : figures)
+        sets += QStringLiteral("    new.%1 := vfigure(new.%1);\n").arg(figure);
+    return text
+        + QStringLiteral("create function %1_figures() returns trigger language plpgsql as $$\nbegin\n%2    return new;\nend $$;\n"
+                         "create trigger %1_figures before insert or update on %1 for each row execute function %1_figures();\n")
+              .arg(table.name, sets);
+}
+
+const char *indexesText()
+{
+    return R"sql(
+create view receipt as
+    select refno, dat, ac, credit as amt, accnm, rowid from ledger where type = 'receipt';
+
+create index companymaster_cmpid on companymaster(cmpid);
+create index companymaster_name on companymaster(companyname);
+create index productmaster_key on productmaster(cmpid, psrno, prodname, boxno);
+create index productmaster_name on productmaster(prodname);
+create index productmaster_model on productmaster(model);
+create index suppliermaster_id on suppliermaster(ID);
+create index suppliermaster_name on suppliermaster(suppname);
+create index salesmain_key on salesmain(invoice, trans);
+create index salesmain_dat on salesmain(dat);
+create index sales_invoice on sales(invoice, trans);
+create index sales_party on sales(party, trans, status);
+create index purchasemain_key on purchasemain(pono, trans);
+create index purchasemain_dat on purchasemain(dat);
+create index purchase_pono on purchase(pono, trans);
+create index purchase_party on purchase(party, trans, status);
+create index stock_name on stock(prodname);
+create index stock_product on stock(cmpid, psrno);
+create index ledger_type on ledger(type, refno);
+create index ledger_credit on ledger(type, credit__n);
+create index ledger_debit on ledger(type, debit__n);
+create index ledger_account on ledger(ac, dat);
+create index ledger_accnm on ledger(accnm);
+)sql";
+}
+
+} // namespace
+
+QString serverSchemaText()
+{
+    QString text = QString::fromLatin1(functionsText());
+    for (const ServerTable &table : serverTables())
+        text += tableText(table);
+    return text + QString::fromLatin1(indexesText())
+        + QStringLiteral("create table schemaversion(version integer);\ninsert into schemaversion values(%1);\n").arg(CurrentSchemaVersion);
+}
+
+void createServerBooks(const QString &connection)
+{
+    const QString name = QStringLiteral("vantrel-initdb");
+    QString failure;
+    {
+        QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QPSQL"), name);
+        db.setConnectOptions(serverConnectOptions(connection));
+        QSqlQuery query(db);
+        if (!db.open())
+            failure = db.lastError().databaseText().simplified();
+        else if (!query.exec(QStringLiteral("select count(*) from pg_class c join pg_namespace n on n.oid = c.relnamespace "
+                                             "where n.nspname = current_schema()"))
+                 || !query.next())
+            failure = serverMessage(query.lastError());
+        else if (query.value(0).toInt() != 0)
+            failure = QStringLiteral("the database is not empty; the books are made only in an empty one");
+        else if (!query.exec(QStringLiteral("begin;\n") + serverSchemaText() + QStringLiteral("commit;\n")))
+            failure = serverMessage(query.lastError());
+        if (!failure.isEmpty() && db.isOpen())
+            query.exec(QStringLiteral("rollback"));
+        db.close();
+    }
+    QSqlDatabase::removeDatabase(name);
+    if (!failure.isEmpty())
+        throw UnhandledError(QStringLiteral("Cannot make the books on %1: %2").arg(serverDescription(connection), failure));
+}
+
+} // namespace vantrel

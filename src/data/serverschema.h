@@ -1,0 +1,49 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+#include <QVector>
+
+namespace vantrel {
+
+// The shop's tables as the server keeps them, so that every statement of the system finds on the
+// server what it finds in the file:
+// - A Text column is citext under the "C" collation: it compares without regard to case for A-Z
+//   alone, as the file's columns do.
+// - A numbering column (invoice, pono, ID, psrno; refno in 16 bits) is a number and nothing else.
+// - Every other Number column is a "figure": a number, kept as its shortest text, or a text as
+//   typed ("2X", ""). Beside it the server keeps its value as arithmetic reads it (the leading
+//   number, else 0) in a column named with "__n" after it, which sums read.
+// - Every table keeps the order its rows came in, in a column "rowid", so that "the first row"
+//   is the one the file would give.
+struct ServerTable {
+    enum Kind { Text, Numbering, Reference, Figure };
+    struct Column {
+        QString name;
+        Kind kind;
+    };
+    QString name;
+    QVector<Column> columns;
+
+    QStringList names() const;
+    QStringList figures() const;
+};
+
+// The shop's tables, in the order the file's schema makes them.
+const QVector<ServerTable> &serverTables();
+// The table named NAME (without regard to case), or null.
+const ServerTable *serverTable(const QString &name);
+// The receipt view's columns.
+QStringList receiptColumns();
+
+// The statements that make the shop's books in an empty database: the tables, the receipt view,
+// the indexes, the guards, and the functions the system's statements call (cdate, and the
+// system's format as vformat, since the server has a format of its own).
+QString serverSchemaText();
+
+// Makes the shop's books, empty, in the empty database CONNECTION names, in one transaction.
+// Never touches a database that holds anything of its own: throws UnhandledError then, or when
+// the server cannot be reached or refuses a statement.
+void createServerBooks(const QString &connection);
+
+} // namespace vantrel
