@@ -11,19 +11,14 @@ const int ManyMatches = 400;
 
 } // namespace
 
-QString leftJoinForm(const QString &sql)
+QString outsideValues(const QString &sql, QString (*rewrite)(QString outside))
 {
-    static const QRegularExpression rightJoin(QStringLiteral("\\b(\\w+)\\s+(\\w+)\\s+right\\s+join\\s+(\\w+)\\s+(\\w+)\\s+on\\b"),
-                                              QRegularExpression::CaseInsensitiveOption);
-    if (!sql.contains(QLatin1String("right"), Qt::CaseInsensitive))
-        return sql;
     QString text;
-    text.reserve(sql.size());
+    text.reserve(sql.size() + 16);
     qsizetype from = 0;
     while (from < sql.size()) {
         const qsizetype quote = sql.indexOf(QLatin1Char('\''), from);
-        QString outside = sql.mid(from, quote < 0 ? -1 : quote - from);
-        text += outside.replace(rightJoin, QStringLiteral("\\3 \\4 left join \\1 \\2 on"));
+        text += rewrite(sql.mid(from, quote < 0 ? -1 : quote - from));
         if (quote < 0)
             break;
         // A doubled quote inside a value ends and restarts it, which reads the same here.
@@ -33,6 +28,17 @@ QString leftJoinForm(const QString &sql)
         from = end;
     }
     return text;
+}
+
+QString leftJoinForm(const QString &sql)
+{
+    if (!sql.contains(QLatin1String("right"), Qt::CaseInsensitive))
+        return sql;
+    return outsideValues(sql, [](QString outside) {
+        static const QRegularExpression rightJoin(QStringLiteral("\\b(\\w+)\\s+(\\w+)\\s+right\\s+join\\s+(\\w+)\\s+(\\w+)\\s+on\\b"),
+                                                  QRegularExpression::CaseInsensitiveOption);
+        return outside.replace(rightJoin, QStringLiteral("\\3 \\4 left join \\1 \\2 on"));
+    });
 }
 
 namespace {

@@ -19,6 +19,9 @@ namespace vantrel {
 //   its groups in order, so that the first screenful comes without sorting every match.
 QString engineForm(const QString &sql);
 
+// SQL with each stretch outside quotes passed through REWRITE; the values stand as they are.
+QString outsideValues(const QString &sql, QString (*rewrite)(QString outside));
+
 // The statement with its right joins written as the equivalent left joins (the first rewrite
 // above), which every engine plans better.
 QString leftJoinForm(const QString &sql);

@@ -9,28 +9,6 @@ namespace vantrel {
 
 namespace {
 
-using Rewrite = QString (*)(QString outside);
-
-// SQL with each stretch outside quotes passed through REWRITE; the values stand as they are.
-QString outsideValues(const QString &sql, Rewrite rewrite)
-{
-    QString text;
-    text.reserve(sql.size() + 16);
-    qsizetype from = 0;
-    while (from < sql.size()) {
-        const qsizetype quote = sql.indexOf(QLatin1Char('\''), from);
-        text += rewrite(sql.mid(from, quote < 0 ? -1 : quote - from));
-        if (quote < 0)
-            break;
-        // A doubled quote inside a value ends and restarts it, which reads the same here.
-        const qsizetype closing = sql.indexOf(QLatin1Char('\''), quote + 1);
-        const qsizetype end = closing < 0 ? sql.size() : closing + 1;
-        text += QStringView(sql).mid(quote, end - quote);
-        from = end;
-    }
-    return text;
-}
-
 // The statement with its values blanked, to look at its shape.
 QString withoutValues(const QString &sql)
 {

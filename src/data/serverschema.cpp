@@ -226,34 +226,14 @@ QString tableText(const ServerTable &table)
               .arg(table.name, sets);
 }
 
-const char *indexesText()
+const char *viewText()
 {
     return R"sql(
 create view receipt as
     select refno, dat, ac, credit as amt, accnm, rowid from ledger where type = 'receipt';
 
-create index companymaster_cmpid on companymaster(cmpid);
-create index companymaster_name on companymaster(companyname);
-create index productmaster_key on productmaster(cmpid, psrno, prodname, boxno);
-create index productmaster_name on productmaster(prodname);
-create index productmaster_model on productmaster(model);
-create index suppliermaster_id on suppliermaster(ID);
-create index suppliermaster_name on suppliermaster(suppname);
-create index salesmain_key on salesmain(invoice, trans);
-create index salesmain_dat on salesmain(dat);
-create index sales_invoice on sales(invoice, trans);
-create index sales_party on sales(party, trans, status);
-create index purchasemain_key on purchasemain(pono, trans);
-create index purchasemain_dat on purchasemain(dat);
-create index purchase_pono on purchase(pono, trans);
-create index purchase_party on purchase(party, trans, status);
-create index stock_name on stock(prodname);
-create index stock_product on stock(cmpid, psrno);
-create index ledger_type on ledger(type, refno);
 create index ledger_credit on ledger(type, credit__n);
 create index ledger_debit on ledger(type, debit__n);
-create index ledger_account on ledger(ac, dat);
-create index ledger_accnm on ledger(accnm);
 )sql";
 }
 
@@ -264,7 +244,11 @@ QString serverSchemaText()
     QString text = QString::fromLatin1(functionsText());
     for (const ServerTable &table : serverTables())
         text += tableText(table);
-    return text + QString::fromLatin1(indexesText())
+    // The file's indexes, which the server's tables take as they stand.
+    for (const QString &line : QString::fromLatin1(schemaText()).split(QLatin1Char('\n')))
+        if (line.startsWith(QLatin1String("create index ")))
+            text += line + QLatin1Char('\n');
+    return text + QString::fromLatin1(viewText())
         + QStringLiteral("create table schemaversion(version integer);\ninsert into schemaversion values(%1);\n").arg(CurrentSchemaVersion);
 }
 
