@@ -1,6 +1,7 @@
 // The database file's opening, the values read and written, and the grid that reads them. (What
 // the engine makes of the system's statements, and choosing from a grid, are in tests/cases.)
 #include "data/records.h"
+#include "data/serverschema.h"
 #include "data/shortdate.h"
 #include "support/testshop.h"
 #include "widgets/grid.h"
@@ -36,6 +37,24 @@ class DatabaseTest : public QObject {
     Q_OBJECT
 
 private slots:
+    // A server that is not there, a database without books, and books made only in an empty
+    // database: each said with the server's name and what is wrong, and nothing written.
+    void serverOpeningSaysWhatIsWrong()
+    {
+        QCOMPARE(test::errorOf([] { Database db(QStringLiteral("postgresql://shop@/vantrel?host=/nonexistent&port=1")); }).section(':', 0, 1),
+                 QStringLiteral("Cannot open the books on the server /nonexistent, port 1, database vantrel: connection to server on socket "
+                                "\"/nonexistent/.s.PGSQL.1\" failed"));
+        QVERIFY(test::errorOf([] { Database db(QStringLiteral("postgresql://shop@/vantrel?host=/x&colour=blue")); })
+                    .startsWith(QStringLiteral("The server connection \"postgresql://shop@/vantrel?host=/x&colour=blue\" cannot be read: ")));
+        const QString server = test::testServer();
+        if (server.isEmpty())
+            QSKIP("no test server (VANTREL_TEST_SERVER)");
+        QVERIFY(test::errorOf([&] { Database db(server); }).endsWith(QStringLiteral(", database postgres: the database holds no books (vantrel-initdb makes them in an empty database)")));
+        test::TestShop shop(test::TestShop::Filled);
+        QVERIFY(test::errorOf([&] { createServerBooks(shop.books()); }).endsWith(QStringLiteral(": the database is not empty; the books are made only in an empty one")));
+        QCOMPARE(shop.rows(QStringLiteral("select count(*) from salesmain")), (QList<QStringList>{{"3"}}));
+    }
+
     // In a directory with blanks and URI characters: a missing file is not created; no database, a
     // folder, a file or index that cannot be written fail with a message; a second copy sees a write.
     void openingFailsWithAMessageAndCreatesNothing()

@@ -7,6 +7,8 @@
 #include "care/serieswarning.h"
 #include "care/shoppresence.h"
 #include "care/yearclose.h"
+#include "data/programsettings.h"
+#include "data/serverconnection.h"
 
 #include <QApplication>
 #include <QDir>
@@ -37,11 +39,12 @@ int main(int argc, char *argv[])
     // gets no lock file beside it).
     const QDir directory(QCoreApplication::applicationDirPath());
     const QString file = directory.filePath(QStringLiteral("vantrel.accdb"));
+    const bool onServer = vantrel::isServerConnection(vantrel::ProgramSettings::read().booksIn(directory.path()));
     vantrel::SchemaUpgrade upgrade;
     std::unique_ptr<vantrel::ShopPresence> presence;
     std::unique_ptr<vantrel::Program> program;
     try {
-        if (QFileInfo::exists(file)) {
+        if (!onServer && QFileInfo::exists(file)) {
             presence = std::make_unique<vantrel::ShopPresence>(file);
             std::unique_ptr<QProgressDialog> upgrading;
             upgrade = vantrel::bringToCurrentSchema(file, directory.filePath(QStringLiteral("backups")), QDateTime::currentDateTime(),
@@ -59,7 +62,17 @@ int main(int argc, char *argv[])
             if (!presence->othersPresent())
                 vantrel::finishInterruptedClose(file);
         }
-        program = std::make_unique<vantrel::Program>(directory.path(), dialogs, clock, unhandledError);
+        // A server that cannot be reached may be back in a moment: the operator is asked.
+        while (!program) {
+            try {
+                program = std::make_unique<vantrel::Program>(directory.path(), dialogs, clock, unhandledError);
+            } catch (const vantrel::UnhandledError &error) {
+                if (!onServer || !dialogs.ask(error.message() + QStringLiteral("\n\nCheck that the server is running, that this computer "
+                                                                                 "can reach it and that the name and role in Settings are "
+                                                                                 "right. Try again?")))
+                    throw;
+            }
+        }
         program->services().whyTheShopIsShared = [&presence] { return presence ? presence->whyShared() : QString(); };
         QStringList notices{presence ? presence->problem() : QString(), upgrade.notice(), vantrel::seriesWarning(program->db())};
         notices.removeAll(QString());

@@ -12,9 +12,9 @@ class MainWindow;
 // screen open inside it. The connection lives as long as the program.
 class Program {
 public:
-    // Opens vantrel.accdb in the program's directory and shows the main window with the Sales
-    // screen. Throws UnhandledError with the database's message when the file cannot be
-    // opened; no window is made then.
+    // Opens the books (vantrel.accdb in the program's directory, or the server the settings name)
+    // and shows the main window with the Sales screen. Throws UnhandledError with the database's
+    // message when they cannot be opened; no window is made then.
     Program(const QString &programDirectory, Dialogs &dialogs, const Clock &clock,
             std::function<void(const QString &)> unhandledError);
     ~Program();

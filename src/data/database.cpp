@@ -70,10 +70,11 @@ Database::Database(const QString &connectionString, Access access)
 // in their shortest exact text; a reader, and every connection to a closed year, only reads.
 QString Database::openServerConnection(const QString &name, Role role)
 {
+    const QString options = serverConnectOptions(m_fileName); // throws before a connection is made
     QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QPSQL"), name);
     if (!db.isValid())
         return QStringLiteral("the PostgreSQL driver of Qt is not installed (libqt6sql6-psql)");
-    db.setConnectOptions(serverConnectOptions(m_fileName));
+    db.setConnectOptions(options);
     if (!db.open())
         return db.lastError().databaseText().trimmed().replace(QLatin1Char('\n'), QLatin1Char(' ')).simplified();
     static const char orders[] = {'D', 'M', 'Y'};

@@ -1,5 +1,8 @@
 #include "programsettings.h"
 
+#include "connectionstring.h"
+#include "serverconnection.h"
+
 #include <QDir>
 #include <QSettings>
 
@@ -8,7 +11,8 @@ namespace vantrel {
 namespace {
 
 const char *const YearStart = "years/financialYearStart", *const ExportFolder = "export/folder", *const PrintQueue = "printing/queue",
-                  *const Preview = "printing/preview", *const ShopName = "shop/name", *const ShopAddress = "shop/address";
+                  *const Preview = "printing/preview", *const ShopName = "shop/name", *const ShopAddress = "shop/address",
+                  *const BooksServer = "books/server";
 
 } // namespace
 
@@ -34,6 +38,7 @@ ProgramSettings ProgramSettings::read()
     read.previewPrintouts = settings.value(QLatin1String(Preview), false).toBool();
     read.shopName = settings.value(QLatin1String(ShopName)).toString().trimmed();
     read.shopAddress = settings.value(QLatin1String(ShopAddress)).toString().trimmed();
+    read.booksServer = settings.value(QLatin1String(BooksServer)).toString().trimmed();
     return read;
 }
 
@@ -41,7 +46,8 @@ bool ProgramSettings::write() const
 {
     QSettings settings;
     for (const auto &[key, value] : {std::pair{YearStart, yearStart}, std::pair{ExportFolder, exportFolder}, std::pair{PrintQueue, printQueue},
-                                     std::pair{ShopName, shopName}, std::pair{ShopAddress, shopAddress}}) {
+                                     std::pair{ShopName, shopName}, std::pair{ShopAddress, shopAddress},
+                                     std::pair{BooksServer, booksServer}}) {
         if (value.trimmed().isEmpty())
             settings.remove(QLatin1String(key));
         else
@@ -61,6 +67,12 @@ FinancialYear ProgramSettings::financialYear() const
 QString ProgramSettings::exportFolderIn(const QString &programDirectory) const
 {
     return exportFolder.isEmpty() ? QDir(programDirectory).filePath(QStringLiteral("exports")) : exportFolder;
+}
+
+QString ProgramSettings::booksIn(const QString &programDirectory) const
+{
+    const QString chosen = qEnvironmentVariableIsSet("VANTREL_BOOKS") ? qEnvironmentVariable("VANTREL_BOOKS").trimmed() : booksServer;
+    return isServerConnection(chosen) ? chosen : buildConnectionString(programDirectory);
 }
 
 } // namespace vantrel

@@ -25,6 +25,7 @@ struct ProgramSettings {
     QString printQueue;                         // "printing/queue", a print system's queue; blank: the printer file LPT1
     bool previewPrintouts = false;              // "printing/preview": each printout shown first
     QString shopName, shopAddress;              // "shop/name", "shop/address": the printouts' head; blank: the placeholders
+    QString booksServer;                        // "books/server": the books on a PostgreSQL server; blank: the file
 
     static ProgramSettings read();
     // Keeps every value; a blank one is forgotten, so that its default holds again. False when
@@ -35,6 +36,10 @@ struct ProgramSettings {
     FinancialYear financialYear() const;
     // The folder exports go into.
     QString exportFolderIn(const QString &programDirectory) const;
+    // Where the books are: the environment's VANTREL_BOOKS for this run when it is set, else the
+    // server setting; the connection string of the file in PROGRAMDIRECTORY when neither names
+    // a server.
+    QString booksIn(const QString &programDirectory) const;
 };
 
 } // namespace vantrel

@@ -1,6 +1,7 @@
 #include "settingsscreen.h"
 
 #include "data/programsettings.h"
+#include "data/serverconnection.h"
 #include "output/printqueue.h"
 #include "widgets/dialogs.h"
 
@@ -45,6 +46,8 @@ SettingsScreen::SettingsScreen(Services &services, QWidget *parent) : Screen(ser
     m_shopName->setText(settings.shopName);
     m_shopAddress = addField(form, QStringLiteral("Shop address on printouts"));
     m_shopAddress->setText(settings.shopAddress);
+    m_booksServer = addField(form, QStringLiteral("Books on a server (blank: the file)"));
+    m_booksServer->setText(settings.booksServer);
 
     auto *buttons = new QHBoxLayout;
     auto *save = new QPushButton(QStringLiteral("&Save"), this);
@@ -70,9 +73,21 @@ void SettingsScreen::saveClicked()
     settings.exportFolder = m_exportFolder->text();
     settings.shopName = m_shopName->text();
     settings.shopAddress = m_shopAddress->text();
+    settings.booksServer = m_booksServer->text().trimmed();
+    if (!settings.booksServer.isEmpty() && !isServerConnection(settings.booksServer)) {
+        dialogs().inform(QStringLiteral("The books' server is named as postgresql://role@host/database or service=NAME, or left "
+                                        "blank for the file."));
+        m_booksServer->setFocus();
+        return;
+    }
+    const bool moved = settings.booksServer != ProgramSettings::read().booksServer;
     const bool saved = settings.write();
     m_exportFolder->setText(settings.exportFolderIn(services().programDirectory)); // a cleared one shows the default
-    dialogs().inform(saved ? QStringLiteral("The settings are saved.") : QStringLiteral("The settings could not be saved."));
+    if (!saved)
+        dialogs().inform(QStringLiteral("The settings could not be saved."));
+    else
+        dialogs().inform(moved ? QStringLiteral("The settings are saved. The books are opened from the new place at the next start.")
+                               : QStringLiteral("The settings are saved."));
 }
 
 } // namespace vantrel

@@ -9,7 +9,9 @@ namespace vantrel {
 
 // "Settings...": what the program keeps in its own settings (never in the shop's file): the
 // financial year's start, where printouts go, whether each is shown first, the folder exports
-// go into, and the shop's name and address at the head of every printout. Save writes them; they hold from the next action on.
+// go into, the shop's name and address at the head of every printout, and the server the books
+// are on (blank: the file). Save writes them; they hold from the next action on, the books' place
+// from the next start.
 class SettingsScreen final : public Screen {
     Q_OBJECT
 public:
@@ -24,6 +26,7 @@ private:
     QLineEdit *m_exportFolder;
     QLineEdit *m_shopName;
     QLineEdit *m_shopAddress;
+    QLineEdit *m_booksServer;
 };
 
 } // namespace vantrel
