@@ -1,6 +1,7 @@
 // The database file's opening, the values read and written, and the grid that reads them. (What
 // the engine makes of the system's statements, and choosing from a grid, are in tests/cases.)
 #include "data/records.h"
+#include "care/servermove.h"
 #include "data/serverschema.h"
 #include "data/shortdate.h"
 #include "support/testshop.h"
@@ -57,6 +58,42 @@ private slots:
 
     // In a directory with blanks and URI characters: a missing file is not created; no database, a
     // folder, a file or index that cannot be written fail with a message; a second copy sees a write.
+    // A shop's file moved onto the server: every row of every table in its order, figures and
+    // odd texts as typed; a file whose numbering column holds a text leaves the database empty.
+    void aFileMovesOntoTheServerRowForRow()
+    {
+        if (test::testServer().isEmpty())
+            QSKIP("no test server (VANTREL_TEST_SERVER)");
+        QTemporaryDir dir;
+        createDatabaseFile(dir.filePath("vantrel.accdb"));
+        test::fillShop(buildConnectionString(dir.path()));
+        Database file(buildConnectionString(dir.path()));
+        file.execute("insert into sales(invoice,qty,rate,amount,party) values('7','2X','','0.1','O''BRIEN \\ 50%'), ('8',' 3 ',null,'1e-5','')");
+        file.execute("update stock set stk=stk-0.7 where prodname='PANADOL'");
+        const QString server = test::newServerDatabase(QStringLiteral("moved_%1").arg(QCoreApplication::applicationPid()));
+        const QStringList report = moveFileToServer(dir.filePath("vantrel.accdb"), server);
+        QCOMPARE(report.size(), 9);
+        QVERIFY2(report.contains("sales: 5 rows") && report.contains("ledger: 3 rows"), qPrintable(report.join(", ")));
+        Database moved(server);
+        for (const ServerTable &table : serverTables()) {
+            QStringList here, there;
+            for (Recordset rs = file.query("select * from " + table.name); !rs.eof(); rs.moveNext())
+                for (const QString &column : table.names())
+                    here << rs.text(column);
+            for (Recordset rs = moved.query("select * from " + table.name); !rs.eof(); rs.moveNext())
+                for (const QString &column : table.names())
+                    there << rs.text(column);
+            QCOMPARE(there, here);
+        }
+
+        file.execute("drop trigger salesmain_numbers_insert");
+        file.execute("insert into salesmain(invoice,trans) values('X1','C')");
+        const QString refused = test::newServerDatabase(QStringLiteral("refused_%1").arg(QCoreApplication::applicationPid()));
+        QCOMPARE(test::errorOf([&] { moveFileToServer(dir.filePath("vantrel.accdb"), refused); }).section(": ", 1),
+                 QStringLiteral("the server refused a row of salesmain: Data type mismatch in criteria expression."));
+        QVERIFY(test::errorOf([&] { Database db(refused); }).endsWith(QStringLiteral("the database holds no books (vantrel-initdb makes them in an empty database)")));
+    }
+
     void openingFailsWithAMessageAndCreatesNothing()
     {
         QTemporaryDir parent;

@@ -1,8 +1,10 @@
 // vantrel-initdb PATH: writes a fresh, empty shop database at PATH. Refuses to touch an existing
 // file, so it can never overwrite a shop's data.
-// vantrel-initdb CONNECTION: makes the books in the empty PostgreSQL database CONNECTION names
-// (libpq's forms: postgresql://user@host:port/db, service=NAME); refuses a database that holds
-// anything.
+// vantrel-initdb CONNECTION [--from FILE]: makes the books in the empty PostgreSQL database
+// CONNECTION names (libpq's forms: postgresql://user@host:port/db, service=NAME), empty or holding
+// every row of the shop's FILE, the move proven by the tables' counts and totals; refuses a
+// database that holds anything.
+#include "care/servermove.h"
 #include "data/schema.h"
 #include "data/serverconnection.h"
 #include "data/serverschema.h"
@@ -14,23 +16,34 @@
 
 int main(int argc, char **argv)
 {
-    if (argc != 2) {
-        std::fprintf(stderr, "usage: vantrel-initdb PATH | CONNECTION\n");
+    const bool moving = argc == 4 && QByteArray(argv[2]) == "--from";
+    if (argc != 2 && !moving) {
+        std::fprintf(stderr, "usage: vantrel-initdb PATH | CONNECTION [--from FILE]\n");
         return 2;
     }
     QCoreApplication app(argc, argv); // the database drivers are plugins
+    const QString target = QString::fromLocal8Bit(argv[1]);
+    const bool onServer = vantrel::isServerConnection(target);
+    if (moving && !onServer) {
+        std::fprintf(stderr, "vantrel-initdb: --from moves a file onto a server; %s names no server\n", argv[1]);
+        return 2;
+    }
     try {
-        const QString target = QString::fromLocal8Bit(argv[1]);
-        if (vantrel::isServerConnection(target))
+        if (moving) {
+            for (const QString &line : vantrel::moveFileToServer(QString::fromLocal8Bit(argv[3]), target))
+                std::printf("vantrel-initdb: %s\n", qPrintable(line));
+        } else if (onServer) {
             vantrel::createServerBooks(target);
-        else
+        } else {
             vantrel::createDatabaseFile(target);
+        }
     } catch (const vantrel::UnhandledError &error) {
         std::fprintf(stderr, "vantrel-initdb: %s\n", error.what());
         return 1;
     }
-    std::printf(vantrel::isServerConnection(QString::fromLocal8Bit(argv[1])) ? "vantrel-initdb: made the books in %s\n"
-                                                                             : "vantrel-initdb: created %s\n",
-                argv[1]);
+    if (moving)
+        std::printf("vantrel-initdb: moved %s into %s; every table's rows and totals are the same there\n", argv[3], argv[1]);
+    else
+        std::printf(onServer ? "vantrel-initdb: made the books in %s\n" : "vantrel-initdb: created %s\n", argv[1]);
     return 0;
 }

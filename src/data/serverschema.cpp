@@ -252,7 +252,7 @@ QString serverSchemaText()
         + QStringLiteral("create table schemaversion(version integer);\ninsert into schemaversion values(%1);\n").arg(CurrentSchemaVersion);
 }
 
-void createServerBooks(const QString &connection)
+void createServerBooks(const QString &connection, const std::function<void(QSqlQuery &)> &fill)
 {
     const QString name = QStringLiteral("vantrel-initdb");
     QString failure;
@@ -268,8 +268,18 @@ void createServerBooks(const QString &connection)
             failure = serverMessage(query.lastError());
         else if (query.value(0).toInt() != 0)
             failure = QStringLiteral("the database is not empty; the books are made only in an empty one");
-        else if (!query.exec(QStringLiteral("begin;\n") + serverSchemaText() + QStringLiteral("commit;\n")))
+        else if (!query.exec(QStringLiteral("begin;\n") + serverSchemaText()))
             failure = serverMessage(query.lastError());
+        else {
+            try {
+                if (fill)
+                    fill(query);
+                if (!query.exec(QStringLiteral("commit")))
+                    failure = serverMessage(query.lastError());
+            } catch (const UnhandledError &error) {
+                failure = error.message();
+            }
+        }
         if (!failure.isEmpty() && db.isOpen())
             query.exec(QStringLiteral("rollback"));
         db.close();

@@ -3,6 +3,9 @@
 #include <QString>
 #include <QStringList>
 #include <QVector>
+#include <functional>
+
+class QSqlQuery;
 
 namespace vantrel {
 
@@ -41,9 +44,11 @@ QStringList receiptColumns();
 // system's format as vformat, since the server has a format of its own).
 QString serverSchemaText();
 
-// Makes the shop's books, empty, in the empty database CONNECTION names, in one transaction.
-// Never touches a database that holds anything of its own: throws UnhandledError then, or when
-// the server cannot be reached or refuses a statement.
-void createServerBooks(const QString &connection);
+// Makes the shop's books in the empty database CONNECTION names, in one transaction: empty, or
+// filled by FILL, which runs its statements on the query it is given inside that transaction
+// and throws UnhandledError to leave the database as it was. Never touches a database that holds
+// anything of its own: throws UnhandledError then, or when the server cannot be reached or
+// refuses a statement.
+void createServerBooks(const QString &connection, const std::function<void(QSqlQuery &)> &fill = {});
 
 } // namespace vantrel

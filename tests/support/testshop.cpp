@@ -82,9 +82,15 @@ void onServer(const QString &sql)
     }
 }
 
-// Fills a new shop's books with the shared shop, through the program's own connection as the
-// screens write.
-void fill(const QString &books)
+} // namespace
+
+QString newServerDatabase(const QString &name)
+{
+    onServer(QStringLiteral("create database ") + name);
+    return serverDatabase(name);
+}
+
+void fillShop(const QString &books)
 {
     QFile sql(QStringLiteral(VANTREL_SHOP_SQL));
     if (!sql.open(QIODevice::ReadOnly))
@@ -97,8 +103,6 @@ void fill(const QString &books)
             db.execute(statement);
     db.execute(QStringLiteral("commit"));
 }
-
-} // namespace
 
 TestShop::TestShop(Start start)
     : m_dir(std::make_unique<QTemporaryDir>(QDir::tempPath() + QStringLiteral("/vantrel shop-XXXXXX"))), m_path(m_dir->path())
@@ -113,7 +117,7 @@ TestShop::TestShop(Start start)
             onServer(QStringLiteral("create database ") + first);
             createServerBooks(serverDatabase(first));
             if (start == Filled)
-                fill(serverDatabase(first));
+                fillShop(serverDatabase(first));
             made << kind;
         }
         m_serverDatabase = prefix + QString::number(++shops);
@@ -126,7 +130,7 @@ TestShop::TestShop(Start start)
     if (QDir().mkdir(folder)) {
         createDatabaseFile(first);
         if (start == Filled)
-            fill(buildConnectionString(folder));
+            fillShop(buildConnectionString(folder));
     }
     QFile::copy(first, file());
     open();

@@ -57,6 +57,10 @@ public:
 // The tests' own PostgreSQL server (tests/support/pgserver) when VANTREL_TEST_SERVER names its
 // folder: the books are then on it. Empty when the tests run on the file.
 QString testServer();
+// A new, empty database NAME on the tests' server; its connection.
+QString newServerDatabase(const QString &name);
+// Fills the books BOOKS names with the shared shop, as the screens write.
+void fillShop(const QString &books);
 
 // A fresh shop: a database file written by the same code as vantrel-initdb, in a temporary
 // program directory whose name has a blank in it, opened through the connection string; or, on

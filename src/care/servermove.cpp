@@ -1,0 +1,93 @@
+#include "servermove.h"
+
+#include "data/database.h"
+#include "data/records.h"
+#include "data/serverconnection.h"
+#include "data/serverschema.h"
+#include "data/unhandlederror.h"
+#include "sqlitefile.h"
+
+#include <QSqlError>
+#include <QSqlQuery>
+
+namespace vantrel {
+
+namespace {
+
+// Rows go to the server this many to a statement.
+const int RowsPerStatement = 500;
+
+// A value of the file as a literal of the server's statement: a number in all its digits, a text
+// quoted as typed, a null.
+QString literal(const SqliteRow &row, int column)
+{
+    const QString type = row.type(column);
+    if (type == QLatin1String("null"))
+        return QStringLiteral("null");
+    if (type == QLatin1String("integer"))
+        return QString::number(row.integer(column));
+    if (type == QLatin1String("real"))
+        return QString::number(row.number(column), 'g', 17);
+    return QLatin1Char('\'') + row.text(column).replace(QLatin1Char('\''), QLatin1String("''")) + QLatin1Char('\'');
+}
+
+void copyTable(SqliteFile &source, QSqlQuery &target, const ServerTable &table)
+{
+    const QString columns = table.names().join(QLatin1Char(','));
+    const QString insert = QStringLiteral("insert into %1(%2) values ").arg(table.name, columns);
+    QStringList rows;
+    const auto send = [&] {
+        if (!rows.isEmpty() && !target.exec(insert + rows.join(QLatin1Char(','))))
+            throw UnhandledError(QStringLiteral("the server refused a row of %1: %2").arg(table.name, serverMessage(target.lastError())));
+        rows.clear();
+    };
+    source.eachRow(QStringLiteral("select %1 from %2 order by rowid").arg(columns, table.name), [&](const SqliteRow &row) {
+        QStringList values;
+        for (int i = 0; i < int(table.columns.size()); ++i)
+            values << literal(row, i);
+        rows << QLatin1Char('(') + values.join(QLatin1Char(',')) + QLatin1Char(')');
+        if (rows.size() == RowsPerStatement)
+            send();
+    });
+    send();
+}
+
+// A table's row count and the totals of its Number columns, as the books' own statements read
+// them on either engine.
+QStringList totals(Database &books, const ServerTable &table)
+{
+    QStringList sums{QStringLiteral("count(*) as n")};
+    for (const ServerTable::Column &column : table.columns)
+        if (column.kind != ServerTable::Text)
+            sums << QStringLiteral("sum(%1%2) as %1").arg(column.name, books.onServer() && column.kind == ServerTable::Figure ? "__n" : "");
+    const Recordset rs = books.query(QStringLiteral("select %1 from %2").arg(sums.join(QLatin1Char(',')), table.name));
+    QStringList figures;
+    for (const QString &field : rs.fieldNames())
+        figures << field + QLatin1Char('=') + rs.text(field);
+    return figures;
+}
+
+} // namespace
+
+QStringList moveFileToServer(const QString &file, const QString &connection)
+{
+    {
+        SqliteFile source(file, SqliteFile::Access::ReadOnly);
+        createServerBooks(connection, [&](QSqlQuery &target) {
+            for (const ServerTable &table : serverTables())
+                copyTable(source, target, table);
+        });
+    }
+    Database moved(connection), kept(QStringLiteral("Data Source=%1;").arg(file), Database::Access::ReadOnly);
+    QStringList report;
+    for (const ServerTable &table : serverTables()) {
+        const QStringList there = totals(moved, table), here = totals(kept, table);
+        if (there != here)
+            throw UnhandledError(QStringLiteral("the move is not proven: %1 holds %2 on the file and %3 on the server")
+                                     .arg(table.name, here.join(QLatin1Char(' ')), there.join(QLatin1Char(' '))));
+        report << QStringLiteral("%1: %2 rows").arg(table.name, there.first().section(QLatin1Char('='), 1));
+    }
+    return report;
+}
+
+} // namespace vantrel
