@@ -2,8 +2,11 @@
 // search fields, item code, "&Add", re-open, party pick, cancel, settle, registers, day book,
 // stock, ledger, start-up, and the peak memory of the session.
 //
-// Usage: bench_operator [shop|decade|both] [--data DIR] [--samples N] [--without-log]
+// Usage: bench_operator [shop|decade|both] [--engines file|both] [--data DIR] [--samples N] [--without-log]
 //
+// By default each size runs on the file and on a PostgreSQL server of the benchmark's own (started
+// in DIR/server for the run, the file moved onto it, the move timed), and the two tables are
+// printed side by side.
 // With --without-log the working copy has no edit log: the run the log's cost is measured against.
 // The shop files are made once (deterministic, through the program's schema) and kept in DIR
 // (default: bench-data in the current directory); each run works on a copy. For every action it
@@ -17,6 +20,8 @@
 #include "data/connectionstring.h"
 #include "data/database.h"
 #include "data/sqlfunctions.h"
+#include "data/serverconnection.h"
+#include "care/servermove.h"
 #include "data/shortdate.h"
 #include "data/unhandlederror.h"
 #include "shopfile.h"
@@ -36,6 +41,9 @@
 #include <QMdiSubWindow>
 #include <QProcess>
 #include <QPushButton>
+#include <QSqlDatabase>
+#include <QSqlError>
+#include <QSqlQuery>
 #include <QTest>
 #include <algorithm>
 #include <deque>
@@ -67,9 +75,17 @@ public:
     QDate today() const override { return lastDay(); }
 };
 
-// A second copy of the file, opened straight on the engine with the program's pragmas and
-// functions: the statements' own time, without the screens, the grid or the driver.
-class BareFile {
+// Runs the statements an action sent, on a second copy of the books kept in step: the
+// statements' own time, without the screens or the grid.
+class Bare {
+public:
+    virtual ~Bare() = default;
+    // Runs the statement to its last row; its time in milliseconds.
+    virtual double run(const QString &sql) = 0;
+};
+
+// The file's copy, opened straight on the engine with the program's pragmas and functions.
+class BareFile final : public Bare {
 public:
     explicit BareFile(const QString &path)
     {
@@ -80,8 +96,7 @@ public:
     }
     ~BareFile() { sqlite3_close(m_db); }
 
-    // Runs the statement to its last row; its time in milliseconds.
-    double run(const QString &sql)
+    double run(const QString &sql) override
     {
         const QByteArray text = sql.toUtf8();
         const double start = nowMs();
@@ -96,6 +111,28 @@ public:
 
 private:
     sqlite3 *m_db = nullptr;
+};
+
+// The server's copy, a database of its own made from the same books, read through the driver
+// (the rows are read into memory, as a query of the screens is).
+class BareServer final : public Bare {
+public:
+    explicit BareServer(const QString &connection) : m_db(connection) {}
+    double run(const QString &sql) override
+    {
+        const double start = nowMs();
+        try {
+            if (sql.startsWith(QLatin1String("select"), Qt::CaseInsensitive) || sql.startsWith(QLatin1String("with"), Qt::CaseInsensitive))
+                m_db.query(sql);
+            else
+                m_db.execute(sql);
+        } catch (const UnhandledError &) {
+        }
+        return nowMs() - start;
+    }
+
+private:
+    Database m_db;
 };
 
 struct Row {
@@ -114,8 +151,8 @@ double percentile(QVector<double> v, double p)
 
 class Session {
 public:
-    Session(const QString &directory, Database &db, int samples)
-        : m_db(db), m_bare(directory + "/bare.accdb"), m_samples(samples),
+    Session(const QString &directory, Database &db, std::unique_ptr<Bare> bare, int samples)
+        : m_db(db), m_bare(std::move(bare)), m_samples(samples),
           m_services{db, m_dialogs, m_clock, directory, [](const QString &m) { std::fprintf(stderr, "unhandled error: %s\n", qPrintable(m)); }, {}, {}, {}}
     {
         db.observeStatements([this](const QString &sql) { m_log << sql; });
@@ -140,7 +177,7 @@ private:
         const QStringList statements = std::exchange(m_log, {});
         double bare = 0;
         for (const QString &sql : statements)
-            bare += m_bare.run(sql);
+            bare += m_bare->run(sql);
         row.times << took;
         if (!statements.isEmpty()) // printing runs none: it has no bare time to compare with
             row.bares << bare;
@@ -151,7 +188,7 @@ private:
     {
         for (const QString &sql : std::exchange(m_log, {}))
             if (!sql.startsWith(QLatin1String("select"), Qt::CaseInsensitive))
-                m_bare.run(sql);
+                m_bare->run(sql);
     }
     Row &row(const QString &action, double budget)
     {
@@ -200,7 +237,7 @@ private:
     }
 
     Database &m_db;
-    BareFile m_bare;
+    std::unique_ptr<Bare> m_bare;
     int m_samples;
     YesDialogs m_dialogs;
     DayClock m_clock;
@@ -454,8 +491,28 @@ void copyFile(const QString &from, const QString &to)
     QFile::setPermissions(to, QFile::ReadOwner | QFile::WriteOwner);
 }
 
-// Child: one size's session; prints its table.
-int benchmark(const ShopSize &size, const QString &dataDirectory, int samples, bool withoutLog, int argc, char **argv)
+// Runs a statement on the server's own database, outside any shop's books.
+void onServer(const QString &server, const QString &sql)
+{
+    {
+        QSqlDatabase admin = QSqlDatabase::database(QStringLiteral("bench-server"), false);
+        if (!admin.isValid()) {
+            admin = QSqlDatabase::addDatabase(QStringLiteral("QPSQL"), QStringLiteral("bench-server"));
+            admin.setConnectOptions(serverConnectOptions(server));
+        }
+        QSqlQuery query(admin);
+        if (!admin.open() || !query.exec(sql))
+            throw UnhandledError(QStringLiteral("the server refused %1: %2").arg(sql, query.lastError().text() + admin.lastError().text()));
+    }
+}
+
+QString serverDatabase(const QString &server, const QString &name)
+{
+    return QString(server).replace(QStringLiteral("/postgres?"), QLatin1Char('/') + name + QLatin1Char('?'));
+}
+
+// Child: one size's session on one engine (SERVER empty: the file); prints its table.
+int benchmark(const ShopSize &size, const QString &dataDirectory, int samples, bool withoutLog, const QString &server, int argc, char **argv)
 {
     QApplication app(argc, argv);
     const QString self = QCoreApplication::applicationFilePath();
@@ -467,16 +524,37 @@ int benchmark(const ShopSize &size, const QString &dataDirectory, int samples, b
     if (withoutLog)
         for (const char *copy : {"/vantrel.accdb", "/bare.accdb"})
             SqliteFile(work + QLatin1String(copy), SqliteFile::Access::ReadWrite).execute(dropEditLogTriggersText() + "drop table editlog;");
+    QString books = buildConnectionString(work);
+    if (!server.isEmpty()) {
+        const QString moved = QStringLiteral("books_%1").arg(QLatin1String(size.name));
+        onServer(server, QStringLiteral("drop database if exists %1 with (force)").arg(moved));
+        onServer(server, QStringLiteral("create database %1").arg(moved));
+        QElapsedTimer t;
+        t.start();
+        moveFileToServer(work + "/vantrel.accdb", serverDatabase(server, moved));
+        std::printf("moved onto the server, proven, in %.1f s\n", double(t.elapsed()) / 1000);
+        for (const char *copy : {"run", "bare"}) {
+            onServer(server, QStringLiteral("drop database if exists %1_%2 with (force)").arg(QLatin1String(copy), QLatin1String(size.name)));
+            onServer(server, QStringLiteral("create database %1_%2 template %3").arg(QLatin1String(copy), QLatin1String(size.name), moved));
+        }
+        books = serverDatabase(server, QStringLiteral("run_%1").arg(QLatin1String(size.name)));
+        qputenv("VANTREL_BOOKS", books.toUtf8()); // the start-up's program opens them too
+    }
 
-    std::printf("\n%s: %d products, %d parties, %d sales lines, %d purchase lines, %d ledger rows (%.0f MB)\n", size.name, size.products,
-                size.parties, size.salesLines, size.purchaseLines, std::min(size.ledgerRows / 2, 32000) * 2,
-                double(QFileInfo(original).size()) / 1e6);
+    std::printf("\n%s on the %s: %d products, %d parties, %d sales lines, %d purchase lines, %d ledger rows (%.0f MB file)\n", size.name,
+                server.isEmpty() ? "file" : "server", size.products, size.parties, size.salesLines, size.purchaseLines,
+                std::min(size.ledgerRows / 2, 32000) * 2, double(QFileInfo(original).size()) / 1e6);
     std::printf("| %-52s | %4s | %8s | %8s | %8s | %5s | %6s | %s |\n", "action (ms)", "n", "median", "p95", "bare", "ratio", "budget", "ok");
     std::printf("|%s|------|----------|----------|----------|-------|--------|----|\n", QByteArray(54, '-').constData());
     printRow(startUpRow(self, work, std::max(5, samples / 2)));
     {
-        Database db(buildConnectionString(work));
-        Session session(work, db, samples);
+        Database db(books);
+        std::unique_ptr<Bare> bare;
+        if (server.isEmpty())
+            bare = std::make_unique<BareFile>(work + "/bare.accdb");
+        else
+            bare = std::make_unique<BareServer>(serverDatabase(server, QStringLiteral("bare_%1").arg(QLatin1String(size.name))));
+        Session session(work, db, std::move(bare), samples);
         session.setSizes(size);
         session.run();
         for (const Row &r : session.rows)
@@ -485,6 +563,56 @@ int benchmark(const ShopSize &size, const QString &dataDirectory, int samples, b
     const double peak = peakMemoryMb();
     std::printf("| %-52s | %4d | %8.0f | %8s | %8s | %5s | %6s | %s |\n", "peak memory after the session (MB)", 1, peak, "", "", "", "200",
                 peak <= 200 ? "yes" : "NO");
+    return 0;
+}
+
+// The cells of a table row a child printed ("| a | b |"), trimmed; empty for any other line.
+QStringList cells(const QString &line)
+{
+    if (!line.startsWith(QLatin1String("| ")))
+        return {};
+    QStringList parts = line.split(QLatin1Char('|'));
+    parts = parts.mid(1, parts.size() - 2);
+    for (QString &part : parts)
+        part = part.trimmed();
+    return parts;
+}
+
+// One size on both engines, each in a child of its own; their tables printed side by side.
+int bothEngines(const QString &size, const QStringList &options, const QString &server)
+{
+    QList<QList<QStringList>> tables;
+    for (const QString &engine : {QString(), server}) {
+        QProcess child;
+        child.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+        child.start(QCoreApplication::applicationFilePath(),
+                    QStringList{size, QStringLiteral("--one")} + options + (engine.isEmpty() ? QStringList{} : QStringList{"--server", engine}));
+        child.waitForFinished(-1);
+        QList<QStringList> rows;
+        for (const QString &line : QString::fromUtf8(child.readAllStandardOutput()).split(QLatin1Char('\n'))) {
+            const QStringList row = cells(line);
+            if (row.isEmpty() && !line.trimmed().isEmpty() && !line.startsWith(QLatin1String("|-")))
+                std::printf("%s\n", qPrintable(line));
+            else if (row.size() == 8 && row[0] != QLatin1String("action (ms)"))
+                rows << row;
+        }
+        if (child.exitCode() != 0)
+            return child.exitCode();
+        tables << rows;
+    }
+    std::printf("\n%s, the file and the server side by side (milliseconds; bare: the action's statements alone)\n", qPrintable(size));
+    std::printf("| %-52s | %6s | %8s | %8s | %4s | %8s | %8s | %8s | %5s | %4s |\n", "action", "budget", "file med", "file p95", "ok",
+                "srv med", "srv p95", "srv bare", "ratio", "ok");
+    std::printf("|%s|--------|----------|----------|------|----------|----------|----------|-------|------|\n", QByteArray(54, '-').constData());
+    for (const QStringList &file : tables[0]) {
+        QStringList there(8);
+        for (const QStringList &row : tables[1])
+            if (row[0] == file[0])
+                there = row;
+        std::printf("| %-52s | %6s | %8s | %8s | %4s | %8s | %8s | %8s | %5s | %4s |\n", qPrintable(file[0]), qPrintable(file[6]),
+                    qPrintable(file[2]), qPrintable(file[3]), qPrintable(file[7]), qPrintable(there[2]), qPrintable(there[3]),
+                    qPrintable(there[4]), qPrintable(there[5]), qPrintable(there[7]));
+    }
     return 0;
 }
 
@@ -512,7 +640,7 @@ int main(int argc, char **argv)
             makeShopFile(QString::fromLocal8Bit(argv[3]), *sizeNamed(QString::fromLatin1(argv[2])));
             return 0;
         }
-        QString which = QStringLiteral("both"), data = QDir::currentPath() + QStringLiteral("/bench-data");
+        QString which = QStringLiteral("both"), data = QDir::currentPath() + QStringLiteral("/bench-data"), server, engines = QStringLiteral("both");
         int samples = 30;
         bool oneSize = false, withoutLog = false;
         for (int i = 1; i < argc; ++i) {
@@ -521,6 +649,10 @@ int main(int argc, char **argv)
                 data = QString::fromLocal8Bit(argv[++i]);
             else if (arg == QLatin1String("--samples") && i + 1 < argc)
                 samples = std::max(4, std::atoi(argv[++i]));
+            else if (arg == QLatin1String("--server") && i + 1 < argc)
+                server = QString::fromLocal8Bit(argv[++i]);
+            else if (arg == QLatin1String("--engines") && i + 1 < argc)
+                engines = QString::fromLocal8Bit(argv[++i]);
             else if (arg == QLatin1String("--one"))
                 oneSize = true;
             else if (arg == QLatin1String("--without-log"))
@@ -529,25 +661,43 @@ int main(int argc, char **argv)
                 which = arg;
         }
         if (oneSize)
-            return benchmark(*sizeNamed(which), data, samples, withoutLog, argc, argv);
-        // Each size in a process of its own: its peak memory is its own session's.
+            return benchmark(*sizeNamed(which), data, samples, withoutLog, server, argc, argv);
+        // Each size and engine in a process of its own: its peak memory is its own session's.
         const QStringList sizes = which == QLatin1String("both") ? QStringList{"shop", "decade"} : QStringList{which};
         QCoreApplication app(argc, argv);
+        const QStringList options = QStringList{QStringLiteral("--data"), data, QStringLiteral("--samples"), QString::number(samples)}
+            + (withoutLog ? QStringList{QStringLiteral("--without-log")} : QStringList{});
+        // The server is one of the benchmark's own, on this machine, started for the run.
+        const QString root = data + QStringLiteral("/server");
+        if (engines != QLatin1String("file")) {
+            if (QProcess::execute(QStringLiteral(VANTREL_PGSERVER), {root, QStringLiteral("start")}) != 0)
+                throw UnhandledError(QStringLiteral("the benchmark's server did not start"));
+            QFile uri(root + QStringLiteral("/uri"));
+            uri.open(QIODevice::ReadOnly);
+            server = QString::fromUtf8(uri.readAll()).trimmed();
+        }
+        int status = 0;
         for (const QString &size : sizes) {
             if (!sizeNamed(size)) {
-                std::fprintf(stderr, "usage: bench_operator [shop|decade|both] [--data DIR] [--samples N] [--without-log]\n");
-                return 2;
+                std::fprintf(stderr, "usage: bench_operator [shop|decade|both] [--engines file|both] [--data DIR] [--samples N] [--without-log]\n");
+                status = 2;
+                break;
             }
-            QProcess child;
-            child.setProcessChannelMode(QProcess::ForwardedChannels);
-            child.start(QCoreApplication::applicationFilePath(),
-                        QStringList{size, QStringLiteral("--one"), QStringLiteral("--data"), data, QStringLiteral("--samples"), QString::number(samples)}
-                            + (withoutLog ? QStringList{QStringLiteral("--without-log")} : QStringList{}));
-            child.waitForFinished(-1);
-            if (child.exitCode() != 0)
-                return child.exitCode();
+            if (engines != QLatin1String("file")) {
+                status = bothEngines(size, options, server);
+            } else {
+                QProcess child;
+                child.setProcessChannelMode(QProcess::ForwardedChannels);
+                child.start(QCoreApplication::applicationFilePath(), QStringList{size, QStringLiteral("--one")} + options);
+                child.waitForFinished(-1);
+                status = child.exitCode();
+            }
+            if (status != 0)
+                break;
         }
-        return 0;
+        if (engines != QLatin1String("file"))
+            QProcess::execute(QStringLiteral(VANTREL_PGSERVER), {root, QStringLiteral("stop")});
+        return status;
     } catch (const UnhandledError &error) {
         std::fprintf(stderr, "bench_operator: %s\n", qPrintable(error.message()));
         return 1;

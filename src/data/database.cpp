@@ -209,7 +209,10 @@ PendingQuery Database::startQuery(const QString &sql)
     pending.m_db = this;
     pending.m_connection = takeReader();
     pending.m_sql = sql;
-    pending.m_query = forwardQuery(pending.m_connection, sql); // a failure gives the reader back
+    if (m_server)
+        pending.openCursor(sent(sql)); // a failure gives the reader back
+    else
+        pending.m_query = forwardQuery(pending.m_connection, sql); // a failure gives the reader back
     return pending;
 }
 
@@ -264,6 +267,28 @@ sqlite3_stmt *PendingQuery::statement() const
     return *static_cast<sqlite3_stmt *const *>(handle.constData());
 }
 
+namespace {
+
+// A grid's page of rows from the server: a screenful and more, so that walking a list rarely
+// waits for the next.
+const int PageRows = 200;
+
+} // namespace
+
+void PendingQuery::openCursor(const QString &engineSql)
+{
+    m_query = QSqlQuery(QSqlDatabase::database(m_connection, false));
+    m_query.setForwardOnly(false); // each page read whole, so that other statements may run between
+    if (!m_query.exec(QStringLiteral("begin isolation level repeatable read read only"))
+        || !m_query.exec(QStringLiteral("declare vantrel_rows no scroll cursor for ") + engineSql) || !fetchPage())
+        m_db->fail(m_query);
+}
+
+bool PendingQuery::fetchPage()
+{
+    return m_query.exec(QStringLiteral("fetch %1 from vantrel_rows").arg(PageRows));
+}
+
 QStringList PendingQuery::columnNames() const
 {
     QStringList names;
@@ -290,7 +315,7 @@ const QVector<bool> &PendingQuery::figures(int columns) const
 bool PendingQuery::stepRow(QString &failure)
 {
     if (m_db && m_db->m_server) {
-        if (m_query.next())
+        if (m_query.next() || (m_query.size() == PageRows && fetchPage() && m_query.next()))
             return true;
         if (m_query.lastError().isValid())
             failure = m_db->messageOf(m_query.lastError());
@@ -344,6 +369,8 @@ void PendingQuery::close()
     if (!m_db)
         return;
     m_query.finish();
+    if (m_db->m_server) // ends the cursor and its transaction, whatever state they are in
+        m_query.exec(QStringLiteral("rollback"));
     m_query = QSqlQuery();
     m_figures.clear();
     std::exchange(m_db, nullptr)->giveBack(m_connection);

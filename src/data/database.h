@@ -17,7 +17,7 @@ namespace vantrel {
 class Database;
 
 // A query whose rows are fetched a few at a time (a grid), on a connection of its own. Its rows
-// are the file as it was when the query started, whatever is written meanwhile, and no write
+// are the books as they were when the query started, whatever is written meanwhile, and no write
 // waits for it. Closing it (or destroying it) gives the connection back to the database, which
 // must outlive it.
 class PendingQuery {
@@ -49,6 +49,10 @@ private:
     sqlite3_stmt *statement() const;
     // Which columns hold a figure (on the server), read from the first row's result.
     const QVector<bool> &figures(int columns) const;
+    // On the server: the rows come through a cursor, a page at a time, in a read-only
+    // transaction whose snapshot the query keeps; the next page is fetched when one is read.
+    void openCursor(const QString &engineSql);
+    bool fetchPage();
 
     friend class Database;
     Database *m_db = nullptr;

@@ -88,6 +88,30 @@ QString tableOrder(const QString &sql)
     return QStringLiteral("select %1 from %2%3 order by %4").arg(list, m.captured(2), m.captured(3), order);
 }
 
+// A register's date span over a whole table, "select LIST from T where format(cdate(dat),
+// 'MM/DD/YYYY') between 'A' and 'B'" (format already the server's vformat here): each distinct
+// date is converted once, walking the table's date index, and the rows of the dates in the span
+// are read in the order they came in, as the file's form does (see engineForm()). The same
+// reasoning holds: the condition depends on the date text alone, texts that differ only in case
+// convert alike, and a date that cannot be converted fails the walk as it fails the scan.
+QString dateSpan(const QString &sql)
+{
+    static const QRegularExpression span(
+        QStringLiteral("^select\\s+(.+?)\\s+from\\s+(\\w+)\\s+where\\s+vformat\\(cdate\\((\\w+)\\),\\s*'MM/DD/YYYY'\\)\\s+between\\s+"
+                       "('[^']*')\\s+and\\s+('[^']*')\\s*$"),
+        QRegularExpression::CaseInsensitiveOption | QRegularExpression::DotMatchesEverythingOption);
+    static const QRegularExpression aggregate(QStringLiteral("\\b(sum|count|min|max|avg)\\s*\\("), QRegularExpression::CaseInsensitiveOption);
+    const QRegularExpressionMatch m = span.match(sql);
+    if (!m.hasMatch() || m.captured(1).contains(QLatin1Char('\'')))
+        return sql;
+    const QString list = m.captured(1), table = m.captured(2), date = m.captured(3);
+    return QStringLiteral("with recursive d(v) as (select min(%3) from %2 union all select (select min(%3) from %2 where %3 > d.v) from d "
+                          "where d.v is not null) select %1 from %2 where %3 in (select v from d where v is not null and "
+                          "vformat(cdate(v),'MM/DD/YYYY') between %4 and %5)%6")
+        .arg(list, table, date, m.captured(4), m.captured(5),
+             aggregate.match(list).hasMatch() ? QString() : QStringLiteral(" order by rowid"));
+}
+
 // A grouped statement with no order of its own: its groups in the order of the grouping.
 QString groupOrder(const QString &sql)
 {
@@ -136,7 +160,7 @@ QStringList topLevelItems(const QString &list)
 
 QString serverForm(const QString &sql)
 {
-    return likeEscapes(groupOrder(tableOrder(outsideValues(leftJoinForm(sql), names))));
+    return likeEscapes(groupOrder(tableOrder(dateSpan(outsideValues(leftJoinForm(sql), names)))));
 }
 
 bool hasSecondStatement(const QString &sql)

@@ -18,6 +18,7 @@ namespace vantrel {
 //   columns.
 // - A grouped statement with no order gives its groups in the order of its grouping, as the file
 //   does.
+// - A register's date span converts each distinct date once, as the file's form does.
 // - A like has no escape character, as on the file.
 QString serverForm(const QString &sql);
 
