@@ -79,6 +79,7 @@ QStringList moveFileToServer(const QString &file, const QString &connection)
         });
     }
     Database moved(connection), kept(QStringLiteral("Data Source=%1;").arg(file), Database::Access::ReadOnly);
+    moved.execute(QStringLiteral("analyze")); // the planner's picture of the books just written
     QStringList report;
     for (const ServerTable &table : serverTables()) {
         const QStringList there = totals(moved, table), here = totals(kept, table);

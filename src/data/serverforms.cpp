@@ -34,26 +34,49 @@ QString names(QString outside)
     return outside.replace(bracketed, QStringLiteral("\"\\1\"")).replace(format, QStringLiteral("vformat(")).replace(sum, QStringLiteral("sum(\\1\\2__n)"));
 }
 
-// A value after "like" is a pattern with no escape character.
+// The range a prefix search's column lies in: from the prefix up to the prefix with its last
+// character raised (texts compare by their lower case, code point by code point); empty when the
+// pattern is not a plain prefix ("abc%", no other wildcard).
+QString prefixRange(const QString &column, const QString &pattern)
+{
+    if (pattern.size() < 2 || !pattern.endsWith(QLatin1Char('%')) || pattern.chopped(1).contains(QLatin1Char('%'))
+        || pattern.contains(QLatin1Char('_')) || pattern.contains(QLatin1Char('\'')) || pattern.at(pattern.size() - 2).isSurrogate())
+        return {};
+    const QString prefix = pattern.chopped(1).toLower();
+    QString above = prefix;
+    above.back() = QChar(char16_t(above.back().unicode() + 1));
+    return QStringLiteral(" and %1 >= '%2' and %1 < '%3'").arg(column, prefix, above);
+}
+
+// A value after "like" is a pattern with no escape character; a plain prefix also bounds its
+// column, so that the column's index finds the rows (a like on these columns cannot use it).
 QString likeEscapes(const QString &sql)
 {
-    static const QRegularExpression like(QStringLiteral("\\blike\\s*$"), QRegularExpression::CaseInsensitiveOption);
-    QString text;
-    bool pattern = false;
+    static const QRegularExpression like(QStringLiteral("\\b(\\w+(?:\\.\\w+)?)\\s+like\\s*$"),
+                                         QRegularExpression::CaseInsensitiveOption);
+    static const QRegularExpression anyLike(QStringLiteral("\\blike\\s*$"), QRegularExpression::CaseInsensitiveOption);
+    QString text, after;
     qsizetype from = 0;
     while (from < sql.size()) {
         const qsizetype quote = sql.indexOf(QLatin1Char('\''), from);
         const QString outside = sql.mid(from, quote < 0 ? -1 : quote - from);
-        text += (pattern ? QStringLiteral(" escape '' ") : QString()) + outside;
+        text += after + outside;
+        after.clear();
         if (quote < 0)
             return text;
-        pattern = like.match(outside).hasMatch();
         const qsizetype closing = sql.indexOf(QLatin1Char('\''), quote + 1);
         const qsizetype end = closing < 0 ? sql.size() : closing + 1;
-        text += QStringView(sql).mid(quote, end - quote);
+        const QString value = sql.mid(quote, end - quote);
+        text += value;
+        if (anyLike.match(outside).hasMatch()) {
+            after = QStringLiteral(" escape '' ");
+            const QRegularExpressionMatch column = like.match(outside);
+            if (column.hasMatch() && column.captured(1).compare(QLatin1String("not"), Qt::CaseInsensitive) != 0 && value.size() >= 2)
+                after = QStringLiteral(" escape ''") + prefixRange(column.captured(1), value.mid(1, value.size() - 2)) + QLatin1Char(' ');
+        }
         from = end;
     }
-    return text + (pattern ? QStringLiteral(" escape ''") : QString());
+    return text + after;
 }
 
 QStringList starColumns(const QString &table)
