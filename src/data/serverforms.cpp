@@ -68,7 +68,8 @@ QString likeEscapes(const QString &sql)
         const qsizetype end = closing < 0 ? sql.size() : closing + 1;
         const QString value = sql.mid(quote, end - quote);
         text += value;
-        if (anyLike.match(outside).hasMatch()) {
+        static const QRegularExpression escaped(QStringLiteral("^\\s*escape\\b"), QRegularExpression::CaseInsensitiveOption);
+        if (anyLike.match(outside).hasMatch() && !escaped.match(QStringView(sql).mid(end)).hasMatch()) {
             after = QStringLiteral(" escape '' ");
             const QRegularExpressionMatch column = like.match(outside);
             if (column.hasMatch() && column.captured(1).compare(QLatin1String("not"), Qt::CaseInsensitive) != 0 && value.size() >= 2)
