@@ -129,9 +129,11 @@ QString dateSpan(const QString &sql)
     if (!m.hasMatch() || m.captured(1).contains(QLatin1Char('\'')))
         return sql;
     const QString list = m.captured(1), table = m.captured(2), date = m.captured(3);
+    // The days are worked out once, before any row is read (a materialized list), whatever
+    // plan reads the rows.
     return QStringLiteral("with recursive d(v) as (select min(%3) from %2 union all select (select min(%3) from %2 where %3 > d.v) from d "
-                          "where d.v is not null) select %1 from %2 where %3 in (select v from d where v is not null and "
-                          "vformat(cdate(v),'MM/DD/YYYY') between %4 and %5)%6")
+                          "where d.v is not null), days as materialized (select v from d where v is not null and "
+                          "vformat(cdate(v),'MM/DD/YYYY') between %4 and %5) select %1 from %2 where %3 in (select v from days)%6")
         .arg(list, table, date, m.captured(4), m.captured(5),
              aggregate.match(list).hasMatch() ? QString() : QStringLiteral(" order by rowid"));
 }
