@@ -83,6 +83,10 @@ QString Database::openServerConnection(const QString &name, Role role)
     QStringList setup = {QStringLiteral("set extra_float_digits = 1"), QStringLiteral("set vantrel.date_order = '%1'").arg(order)};
     if (role == Reader || m_access == Access::ReadOnly)
         setup << QStringLiteral("set default_transaction_read_only = on");
+    // A grid's cursor is planned as its statement alone would be: for every row, not for the
+    // first tenth (which would walk the rowid order's index past a whole table for a day's rows).
+    if (role == Reader)
+        setup << QStringLiteral("set cursor_tuple_fraction = 1");
     QSqlQuery probe(db);
     for (const QString &statement : setup)
         if (!probe.exec(statement))
