@@ -51,6 +51,20 @@ QString writeProbe(QSqlDatabase &db, sqlite3 *handle)
     return {};
 }
 
+// The names the file gives the statement's columns, or NAMES when they cannot be read from it.
+QStringList fileNamesOr(const QString &sql, const QStringList &names)
+{
+    const QStringList file = fileColumnNames(sql);
+    return file.size() == names.size() ? file : names;
+}
+
+// Column I of the row QUERY stands on, as the file holds it: a figure's text that is a number
+// is that number.
+QVariant storedValue(const QSqlQuery &query, int i, bool figure)
+{
+    return figure && !query.isNull(i) ? figureValue(query.value(i).toString()) : query.value(i);
+}
+
 } // namespace
 
 Database::Database(const QString &connectionString, Access access)
@@ -180,16 +194,16 @@ Recordset Database::readAll(const QString &connection, const QString &sql)
     const QSqlRecord record = query.record();
     for (int i = 0; i < record.count(); ++i)
         names << record.fieldName(i);
-    if (m_server && fileColumnNames(sql).size() == names.size())
-        names = fileColumnNames(sql);
+    if (m_server)
+        names = fileNamesOr(sql, names);
     QVector<QVector<QVariant>> rows;
-    QVector<bool> figures;
+    QVector<bool> figures(record.count(), false);
     while (query.next()) {
-        if (m_server && figures.isEmpty())
+        if (m_server && rows.isEmpty())
             figures = serverFigureColumns(query.result()->handle(), record.count());
         QVector<QVariant> row(record.count());
         for (int i = 0; i < record.count(); ++i)
-            row[i] = m_server && figures[i] && !query.isNull(i) ? figureValue(query.value(i).toString()) : query.value(i);
+            row[i] = storedValue(query, i, figures[i]);
         rows.append(std::move(row));
     }
     if (query.lastError().isValid())
@@ -299,9 +313,7 @@ QStringList PendingQuery::columnNames() const
     const QSqlRecord record = m_query.record();
     for (int i = 0; i < record.count(); ++i)
         names << record.fieldName(i);
-    if (m_db && m_db->m_server && fileColumnNames(m_sql).size() == names.size())
-        return fileColumnNames(m_sql);
-    return names;
+    return m_db && m_db->m_server ? fileNamesOr(m_sql, names) : names;
 }
 
 QString PendingQuery::failureMessage() const
@@ -337,7 +349,7 @@ void PendingQuery::appendRow(int columns, QByteArray &text, QVector<quint32> &ce
     if (m_db && m_db->m_server) {
         const QVector<bool> &figure = figures(columns);
         for (int i = 0; i < columns; ++i) {
-            const QVariant value = figure[i] && !m_query.isNull(i) ? figureValue(m_query.value(i).toString()) : m_query.value(i);
+            const QVariant value = storedValue(m_query, i, figure[i]);
             const int type = value.typeId();
             numbers.push_back(!value.isNull() && (type == QMetaType::Double || type == QMetaType::Int || type == QMetaType::LongLong));
             text += displayText(value).toUtf8();

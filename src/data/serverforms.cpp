@@ -16,21 +16,34 @@ QString withoutValues(const QString &sql)
     return QString(sql).replace(value, QStringLiteral("''"));
 }
 
-// Whether NAME is a figure in every table that has it (psrno is a number in the product master).
+// The names that are a figure in every table that has them (psrno is a number in the product
+// master), as an alternation for a pattern.
+const QString &figureNames()
+{
+    static const QString names = [] {
+        QStringList figures, numbers;
+        for (const ServerTable &table : serverTables())
+            for (const ServerTable::Column &column : table.columns)
+                (column.kind == ServerTable::Figure ? figures : numbers) << column.name.toLower();
+        figures.removeDuplicates();
+        figures.removeIf([&](const QString &name) { return numbers.contains(name); });
+        return figures.join(QLatin1Char('|'));
+    }();
+    return names;
+}
+
 bool isFigure(const QString &name)
 {
-    static const QStringList figures = {"netamt", "dis", "disamt", "gd", "qty", "rate", "amount", "totqty", "amt", "usedqty",
-                                        "stk", "debit", "credit", "balance", "mrp", "wr"};
-    return figures.contains(name.toLower());
+    static const QRegularExpression figure(QStringLiteral("^(%1)$").arg(figureNames()), QRegularExpression::CaseInsensitiveOption);
+    return figure.match(name).hasMatch();
 }
 
 QString names(QString outside)
 {
     static const QRegularExpression bracketed(QStringLiteral("\\[(\\w+)\\]"));
     static const QRegularExpression format(QStringLiteral("(?<![\\w.])format\\s*\\("), QRegularExpression::CaseInsensitiveOption);
-    static const QRegularExpression sum(
-        QStringLiteral("\\bsum\\(\\s*((?:\\w+\\.)?)(netamt|dis|disamt|gd|qty|rate|amount|totqty|amt|usedqty|stk|debit|credit|balance|mrp|wr)\\s*\\)"),
-        QRegularExpression::CaseInsensitiveOption);
+    static const QRegularExpression sum(QStringLiteral("\\bsum\\(\\s*((?:\\w+\\.)?)(%1)\\s*\\)").arg(figureNames()),
+                                        QRegularExpression::CaseInsensitiveOption);
     return outside.replace(bracketed, QStringLiteral("\"\\1\"")).replace(format, QStringLiteral("vformat(")).replace(sum, QStringLiteral("sum(\\1\\2__n)"));
 }
 
