@@ -72,9 +72,13 @@ private slots:
         file.execute("update stock set stk=stk-0.7 where prodname='PANADOL'");
         const QString server = test::newServerDatabase(QStringLiteral("moved_%1").arg(QCoreApplication::applicationPid()));
         const QStringList report = moveFileToServer(dir.filePath("vantrel.accdb"), server);
-        QCOMPARE(report.size(), 9);
+        QCOMPARE(report.size(), 10);
         QVERIFY2(report.contains("sales: 5 rows") && report.contains("ledger: 3 rows"), qPrintable(report.join(", ")));
+        // The file's log goes on on the server, entry for entry, then the server's start.
+        const QString entries = file.query("select count(*) as n from editlog").text("n");
+        QCOMPARE(report.last(), "editlog: " + entries + " entries");
         Database moved(server);
+        QCOMPARE(moved.query("select id, action, source from editlog order by id desc limit 1").text("id"), QString::number(entries.toInt() + 1));
         for (const ServerTable &table : serverTables()) {
             QStringList here, there;
             for (Recordset rs = file.query("select * from " + table.name); !rs.eof(); rs.moveNext())

@@ -65,7 +65,7 @@ const QVector<Menu> &menuTable()
         // Added after the system's own menus.
         {"tools", "Tools",
          {runs("closeyear", "Close Year...", closeYearCommand).onTheFileOnly(), runs("pastyear", "Past Year...", pastYearCommand).onTheFileOnly(),
-          opens<EditLogScreen>("editlog", "Edit Log").readingOnly().onTheFileOnly(),
+          opens<EditLogScreen>("editlog", "Edit Log").readingOnly(),
           runs("exportxlsx", "Export to Excel", exportToWorkbookCommand).readingOnly().withKey("F12"),
           runs("exportcsv", "Export to CSV", exportToCsvCommand).readingOnly().withKey("Shift+F12"),
           opens<LastPrintoutScreen>("lastprint", "Last Printout").readingOnly(), opens<SettingsScreen>("settings", "Settings..."),

@@ -1,5 +1,6 @@
 #include "editlogscreen.h"
 
+#include "data/database.h"
 #include "data/editlog.h"
 #include "data/records.h"
 #include "widgets/clock.h"
@@ -33,15 +34,33 @@ QString columnsTable()
     return "cols(tab, pos, name) as (values " + rows.join(QLatin1Char(',')) + ")";
 }
 
-// The value at position POS of an entry's JSON array ROW.
-QString valueAt(const QString &row, const QString &pos) { return QStringLiteral("json_extract(%1, '$[' || %2 || ']')").arg(row, pos); }
+// The pieces of the listing that each engine writes its own way: a value of an entry's JSON
+// array or object, a difference that counts two nulls as equal, a value read as a number, a
+// name compared without regard to case.
+struct LogForms {
+    bool server;
+    QString valueAt(const QString &row, const QString &pos) const
+    {
+        return server ? QStringLiteral("(%1::json ->> %2)").arg(row, pos) : QStringLiteral("json_extract(%1, '$[' || %2 || ']')").arg(row, pos);
+    }
+    QString note() const { return server ? QStringLiteral("(e.new::json ->> 'note')") : QStringLiteral("json_extract(e.new, '$.note')"); }
+    QString differs(const QString &a, const QString &b) const { return a + (server ? " is distinct from " : " is not ") + b; }
+    QString numberIs(const QString &value, const QString &number) const
+    {
+        return server ? QStringLiteral("vleading(%1) = vleading(%2)").arg(value, sqlLiteral(number)) : value + " + 0 = " + sqlLiteral(number) + " + 0";
+    }
+    QString nameIs(const QString &value, const QString &name) const
+    {
+        return server ? value + "::citext = " + sqlLiteral(name) : value + " = " + sqlLiteral(name) + " collate nocase";
+    }
+};
 
-// Whether a column named among NAMES holds MATCH before or after the change.
-QString anyColumn(const QStringList &names, const QString &match)
+// Whether a column named among NAMES holds a value MATCHES takes, before or after the change.
+QString anyColumn(const LogForms &forms, const QStringList &names, const std::function<QString(const QString &)> &matches)
 {
     return QStringLiteral("exists (select 1 from cols k where k.tab = e.tab and k.name in ('%1') and (%2 or %3))")
-        .arg(names.join(QStringLiteral("', '")), valueAt(QStringLiteral("e.old"), QStringLiteral("k.pos")) + match,
-             valueAt(QStringLiteral("e.new"), QStringLiteral("k.pos")) + match);
+        .arg(names.join(QStringLiteral("', '")), matches(forms.valueAt(QStringLiteral("e.old"), QStringLiteral("k.pos"))),
+             matches(forms.valueAt(QStringLiteral("e.new"), QStringLiteral("k.pos"))));
 }
 
 } // namespace
@@ -89,25 +108,27 @@ QString EditLogScreen::listing() const
 {
     const QString span = QStringLiteral("e.at >= %1 and e.at < %2")
                              .arg(sqlLiteral(m_from->date().toString(Qt::ISODate)), sqlLiteral(m_to->date().addDays(1).toString(Qt::ISODate)));
-    const QString oldValue = valueAt(QStringLiteral("e.old"), QStringLiteral("c.pos")), newValue = valueAt(QStringLiteral("e.new"), QStringLiteral("c.pos"));
+    const LogForms forms{db().onServer()};
+    const QString oldValue = forms.valueAt(QStringLiteral("e.old"), QStringLiteral("c.pos")),
+                  newValue = forms.valueAt(QStringLiteral("e.new"), QStringLiteral("c.pos"));
     QString filters;
     if (m_table->currentIndex() > 0)
         filters += " and e.tab = " + sqlLiteral(m_table->currentText());
     if (!m_number->text().trimmed().isEmpty())
-        filters += " and " + anyColumn({QStringLiteral("invoice"), QStringLiteral("pono"), QStringLiteral("refno")},
-                                       " + 0 = " + sqlLiteral(m_number->text().trimmed()) + " + 0");
+        filters += " and " + anyColumn(forms, {QStringLiteral("invoice"), QStringLiteral("pono"), QStringLiteral("refno")}, 
+                                       [&](const QString &value) { return forms.numberIs(value, m_number->text().trimmed()); });
     if (!m_party->text().trimmed().isEmpty())
-        filters += " and " + anyColumn({QStringLiteral("party"), QStringLiteral("suppname"), QStringLiteral("ac"), QStringLiteral("accnm")},
-                                       " = " + sqlLiteral(m_party->text().trimmed()) + " collate nocase");
+        filters += " and " + anyColumn(forms, {QStringLiteral("party"), QStringLiteral("suppname"), QStringLiteral("ac"), QStringLiteral("accnm")},
+                                       [&](const QString &value) { return forms.nameIs(value, m_party->text().trimmed()); });
     QString sql = "with " + columnsTable()
-        + " select Entry, [When], [By], Change, [Table], [Row], [Column], Old, New from ("
-          "select e.id as Entry, e.at as [When], e.source as [By], e.action as Change, e.tab as [Table], e.rid as [Row], c.pos as pos, "
-          "c.name as [Column], " + oldValue + " as Old, " + newValue + " as New from editlog e join cols c on c.tab = e.tab where "
-        + span + filters + " and (e.action <> 'update' or " + oldValue + " is not " + newValue + ")";
+        + " select [Entry], [When], [By], [Change], [Table], [Row], [Column], [Old], [New] from ("
+          "select e.id as [Entry], e.at as [When], e.source as [By], e.action as [Change], e.tab as [Table], e.rid as [Row], c.pos as pos, "
+          "c.name as [Column], " + oldValue + " as [Old], " + newValue + " as [New] from editlog e join cols c on c.tab = e.tab where "
+        + span + filters + " and (e.action <> 'update' or " + forms.differs(oldValue, newValue) + ")";
     if (filters.isEmpty())
-        sql += " union all select e.id, e.at, e.source, e.action, '', null, 0, '', null, json_extract(e.new, '$.note') from editlog e "
+        sql += " union all select e.id, e.at, e.source, e.action, '', null, 0, '', null, " + forms.note() + " from editlog e "
                "where e.tab = '' and " + span;
-    return sql + ") order by Entry desc, pos";
+    return sql + ") listed order by [Entry] desc, pos";
 }
 
 void EditLogScreen::showClicked()

@@ -1,6 +1,7 @@
 #include "servermove.h"
 
 #include "data/database.h"
+#include "data/editlog.h"
 #include "data/records.h"
 #include "data/serverconnection.h"
 #include "data/serverschema.h"
@@ -52,6 +53,15 @@ void copyTable(SqliteFile &source, QSqlQuery &target, const ServerTable &table)
     send();
 }
 
+// The log's entries as the file keeps them, each with its number, time and hash.
+ServerTable loggedEntries()
+{
+    ServerTable log{QStringLiteral("editlog"), {}};
+    for (const char *name : {"id", "at", "tab", "rid", "action", "old", "new", "source", "hash"})
+        log.columns.append({QLatin1String(name), ServerTable::Text});
+    return log;
+}
+
 // A table's row count and the totals of its Number columns, as the books' own statements read
 // them on either engine.
 QStringList totals(Database &books, const ServerTable &table)
@@ -72,11 +82,18 @@ QStringList totals(Database &books, const ServerTable &table)
 QStringList moveFileToServer(const QString &file, const QString &connection)
 {
     {
-        SqliteFile source(file, SqliteFile::Access::ReadOnly);
-        createServerBooks(connection, [&](QSqlQuery &target) {
-            for (const ServerTable &table : serverTables())
-                copyTable(source, target, table);
-        });
+        SqliteFile source(file, SqliteFile::Access::ReadWrite);
+        // What another client wrote into the file's log is sealed first, as the program would.
+        if (const QString failed = attachEditLog(source.handle()); !failed.isEmpty())
+            throw UnhandledError(QStringLiteral("Cannot keep the file's edit log: %1").arg(failed));
+        createServerBooks(
+            connection,
+            [&](QSqlQuery &target) {
+                for (const ServerTable &table : serverTables())
+                    copyTable(source, target, table);
+                copyTable(source, target, loggedEntries());
+            },
+            QStringLiteral("The books moved onto the server from %1: the edit log goes on from the file's.").arg(file));
     }
     Database moved(connection), kept(QStringLiteral("Data Source=%1;").arg(file), Database::Access::ReadOnly);
     moved.execute(QStringLiteral("analyze")); // the planner's picture of the books just written
@@ -88,6 +105,14 @@ QStringList moveFileToServer(const QString &file, const QString &connection)
                                      .arg(table.name, here.join(QLatin1Char(' ')), there.join(QLatin1Char(' '))));
         report << QStringLiteral("%1: %2 rows").arg(table.name, there.first().section(QLatin1Char('='), 1));
     }
+    // The file's entries, then the server's start: the newest entry but one there is the file's newest.
+    const QString lastHere = kept.query(QStringLiteral("select hash from editlog order by id desc limit 1")).text(QStringLiteral("hash"));
+    const Recordset there = moved.query(QStringLiteral("select count(*) - 1 as n, (select hash from editlog order by id desc offset 1 limit 1) as hash from editlog"));
+    const QString entriesHere = kept.query(QStringLiteral("select count(*) as n from editlog")).text(QStringLiteral("n"));
+    if (there.text(QStringLiteral("n")) != entriesHere || there.text(QStringLiteral("hash")) != lastHere)
+        throw UnhandledError(QStringLiteral("the move is not proven: the file's edit log holds %1 entries ending in %2, the server's %3 ending in %4")
+                                 .arg(entriesHere, lastHere, there.text(QStringLiteral("n")), there.text(QStringLiteral("hash"))));
+    report << QStringLiteral("editlog: %1 entries").arg(entriesHere);
     return report;
 }
 

@@ -3,6 +3,7 @@
 #include "connectionstring.h"
 #include "editlog.h"
 #include "engineforms.h"
+#include "programsettings.h"
 #include "records.h"
 #include "serverconnection.h"
 #include "serverforms.h"
@@ -14,6 +15,7 @@
 #include <QSqlError>
 #include <QSqlRecord>
 #include <QSqlResult>
+#include <QTimeZone>
 #include <sqlite3.h>
 #include <utility>
 
@@ -94,7 +96,9 @@ QString Database::openServerConnection(const QString &name, Role role)
     static const char orders[] = {'D', 'M', 'Y'};
     const ShortDate form;
     const QString order = QString(QLatin1Char(orders[form.order()[0]])) + QLatin1Char(orders[form.order()[1]]) + QLatin1Char(orders[form.order()[2]]);
-    QStringList setup = {QStringLiteral("set extra_float_digits = 1"), QStringLiteral("set vantrel.date_order = '%1'").arg(order)};
+    // The edit log's entries carry this counter's name and its local time.
+    QStringList setup = {QStringLiteral("set extra_float_digits = 1"), QStringLiteral("set vantrel.date_order = '%1'").arg(order),
+                         QStringLiteral("set vantrel.counter = %1").arg(sqlLiteral(ProgramSettings::read().counter()))};
     if (role == Reader || m_access == Access::ReadOnly)
         setup << QStringLiteral("set default_transaction_read_only = on");
     // A grid's cursor is planned as its statement alone would be: for every row, not for the
@@ -105,6 +109,8 @@ QString Database::openServerConnection(const QString &name, Role role)
     for (const QString &statement : setup)
         if (!probe.exec(statement))
             return serverMessage(probe.lastError());
+    // A zone the server does not know leaves the server's own.
+    probe.exec(QStringLiteral("set timezone = %1").arg(sqlLiteral(QString::fromUtf8(QTimeZone::systemTimeZoneId()))));
     if (!probe.exec(QStringLiteral("select to_regclass('salesmain') is not null and to_regclass('ledger') is not null")) || !probe.next())
         return serverMessage(probe.lastError());
     if (!probe.value(0).toBool())

@@ -5,6 +5,7 @@
 
 #include <QDir>
 #include <QSettings>
+#include <QSysInfo>
 
 namespace vantrel {
 
@@ -12,7 +13,7 @@ namespace {
 
 const char *const YearStart = "years/financialYearStart", *const ExportFolder = "export/folder", *const PrintQueue = "printing/queue",
                   *const Preview = "printing/preview", *const ShopName = "shop/name", *const ShopAddress = "shop/address",
-                  *const BooksServer = "books/server";
+                  *const BooksServer = "books/server", *const Counter = "books/counter";
 
 } // namespace
 
@@ -39,6 +40,7 @@ ProgramSettings ProgramSettings::read()
     read.shopName = settings.value(QLatin1String(ShopName)).toString().trimmed();
     read.shopAddress = settings.value(QLatin1String(ShopAddress)).toString().trimmed();
     read.booksServer = settings.value(QLatin1String(BooksServer)).toString().trimmed();
+    read.counterName = settings.value(QLatin1String(Counter)).toString().trimmed();
     return read;
 }
 
@@ -47,7 +49,7 @@ bool ProgramSettings::write() const
     QSettings settings;
     for (const auto &[key, value] : {std::pair{YearStart, yearStart}, std::pair{ExportFolder, exportFolder}, std::pair{PrintQueue, printQueue},
                                      std::pair{ShopName, shopName}, std::pair{ShopAddress, shopAddress},
-                                     std::pair{BooksServer, booksServer}}) {
+                                     std::pair{BooksServer, booksServer}, std::pair{Counter, counterName}}) {
         if (value.trimmed().isEmpty())
             settings.remove(QLatin1String(key));
         else
@@ -67,6 +69,11 @@ FinancialYear ProgramSettings::financialYear() const
 QString ProgramSettings::exportFolderIn(const QString &programDirectory) const
 {
     return exportFolder.isEmpty() ? QDir(programDirectory).filePath(QStringLiteral("exports")) : exportFolder;
+}
+
+QString ProgramSettings::counter() const
+{
+    return counterName.isEmpty() ? QSysInfo::machineHostName() : counterName;
 }
 
 QString ProgramSettings::booksIn(const QString &programDirectory) const

@@ -26,6 +26,7 @@ struct ProgramSettings {
     bool previewPrintouts = false;              // "printing/preview": each printout shown first
     QString shopName, shopAddress;              // "shop/name", "shop/address": the printouts' head; blank: the placeholders
     QString booksServer;                        // "books/server": the books on a PostgreSQL server; blank: the file
+    QString counterName;                        // "books/counter": how the server's edit log names this computer
 
     static ProgramSettings read();
     // Keeps every value; a blank one is forgotten, so that its default holds again. False when
@@ -36,6 +37,8 @@ struct ProgramSettings {
     FinancialYear financialYear() const;
     // The folder exports go into.
     QString exportFolderIn(const QString &programDirectory) const;
+    // The counter's name in the server's edit log: as set, else the computer's host name.
+    QString counter() const;
     // Where the books are: the environment's VANTREL_BOOKS for this run when it is set, else the
     // server setting; the connection string of the file in PROGRAMDIRECTORY when neither names
     // a server.

@@ -211,20 +211,37 @@ bool hasSecondStatement(const QString &sql)
 
 QStringList fileColumnNames(const QString &sql)
 {
-    static const QRegularExpression select(QStringLiteral("^\\s*select\\s+(?:distinct\\s+)?(.*?)\\s+from\\s+(\\w+)\\b"),
-                                           QRegularExpression::CaseInsensitiveOption | QRegularExpression::DotMatchesEverythingOption);
+    static const QRegularExpression select(QStringLiteral("^\\s*select\\s+(?:distinct\\s+)?"), QRegularExpression::CaseInsensitiveOption);
+    static const QRegularExpression from(QStringLiteral("^\\s+from\\s+(\\w+)\\b"), QRegularExpression::CaseInsensitiveOption);
     static const QRegularExpression alias(QStringLiteral("^.*\\s+as\\s+\\[?(\\w+)\\]?$"),
                                           QRegularExpression::CaseInsensitiveOption | QRegularExpression::DotMatchesEverythingOption);
     static const QRegularExpression column(QStringLiteral("^(?:\\w+\\.)?(\\w+)$"));
-    const QRegularExpressionMatch m = select.match(withoutValues(sql));
-    if (!m.hasMatch())
+    const QRegularExpressionMatch head = select.match(sql);
+    if (!head.hasMatch())
         return {};
-    // The list as written, values included: an expression's name is its text.
-    const QString list = sql.mid(m.capturedStart(1), m.capturedLength(1));
+    // The list runs to the first "from" outside quotes and brackets; an expression's name is its text.
+    QRegularExpressionMatch table;
+    int depth = 0;
+    bool quoted = false;
+    qsizetype end = head.capturedEnd();
+    for (; end < sql.size(); ++end) {
+        const QChar c = sql[end];
+        if (c == QLatin1Char('\''))
+            quoted = !quoted;
+        else if (!quoted && c == QLatin1Char('('))
+            ++depth;
+        else if (!quoted && c == QLatin1Char(')'))
+            --depth;
+        else if (!quoted && depth == 0 && c.isSpace() && (table = from.match(QStringView(sql).mid(end))).hasMatch())
+            break;
+    }
+    if (!table.hasMatch())
+        return {};
+    const QString list = sql.mid(head.capturedEnd(), end - head.capturedEnd());
     QStringList names;
     for (const QString &item : topLevelItems(list)) {
         if (item == QLatin1String("*")) {
-            const QStringList columns = starColumns(m.captured(2));
+            const QStringList columns = starColumns(table.captured(1));
             if (columns.isEmpty())
                 return {};
             names << columns;

@@ -2,6 +2,7 @@
 
 #include "schema.h"
 #include "serverconnection.h"
+#include "servereditlog.h"
 #include "unhandlederror.h"
 
 #include <QSqlDatabase>
@@ -248,11 +249,11 @@ QString serverSchemaText()
     for (const QString &line : QString::fromLatin1(schemaText()).split(QLatin1Char('\n')))
         if (line.startsWith(QLatin1String("create index ")))
             text += line + QLatin1Char('\n');
-    return text + QString::fromLatin1(viewText())
+    return text + QString::fromLatin1(viewText()) + serverEditLogTableText()
         + QStringLiteral("create table schemaversion(version integer);\ninsert into schemaversion values(%1);\n").arg(CurrentSchemaVersion);
 }
 
-void createServerBooks(const QString &connection, const std::function<void(QSqlQuery &)> &fill)
+void createServerBooks(const QString &connection, const std::function<void(QSqlQuery &)> &fill, const QString &startWords)
 {
     const QString name = QStringLiteral("vantrel-initdb");
     QString failure;
@@ -274,6 +275,9 @@ void createServerBooks(const QString &connection, const std::function<void(QSqlQ
             try {
                 if (fill)
                     fill(query);
+                if (!query.exec(serverEditLogText()))
+                    throw UnhandledError(serverMessage(query.lastError()));
+                writeServerStartNote(query, startWords);
                 if (!query.exec(QStringLiteral("commit")))
                     failure = serverMessage(query.lastError());
             } catch (const UnhandledError &error) {

@@ -49,6 +49,8 @@ QString serverSchemaText();
 // and throws UnhandledError to leave the database as it was. Never touches a database that holds
 // anything of its own: throws UnhandledError then, or when the server cannot be reached or
 // refuses a statement.
-void createServerBooks(const QString &connection, const std::function<void(QSqlQuery &)> &fill = {});
+// The edit log starts when the tables are filled, its start note carrying STARTWORDS.
+void createServerBooks(const QString &connection, const std::function<void(QSqlQuery &)> &fill = {},
+                       const QString &startWords = QStringLiteral("New books on the server: the edit log starts with them."));
 
 } // namespace vantrel
