@@ -25,7 +25,7 @@ QList<QPair<QString, QString>> closedYears(const QString &database)
     const QDir beside = QFileInfo(database).absoluteDir();
     SqliteFile file(database, SqliteFile::Access::ReadOnly);
     file.eachRow(QStringLiteral("select name, file from closedyears order by rowid"),
-                 [&](const SqliteRow &row) { years << qMakePair(row.text(0), beside.filePath(row.text(1))); });
+                 [&](const BookRow &row) { years << qMakePair(row.text(0), beside.filePath(row.text(1))); });
     return years;
 }
 

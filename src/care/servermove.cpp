@@ -20,7 +20,7 @@ const int RowsPerStatement = 500;
 
 // A value of the file as a literal of the server's statement: a number in all its digits, a text
 // quoted as typed, a null.
-QString literal(const SqliteRow &row, int column)
+QString literal(const BookRow &row, int column)
 {
     const QString type = row.type(column);
     if (type == QLatin1String("null"))
@@ -42,7 +42,7 @@ void copyTable(SqliteFile &source, QSqlQuery &target, const ServerTable &table)
             throw UnhandledError(QStringLiteral("the server refused a row of %1: %2").arg(table.name, serverMessage(target.lastError())));
         rows.clear();
     };
-    source.eachRow(QStringLiteral("select %1 from %2 order by rowid").arg(columns, table.name), [&](const SqliteRow &row) {
+    source.eachRow(QStringLiteral("select %1 from %2 order by rowid").arg(columns, table.name), [&](const BookRow &row) {
         QStringList values;
         for (int i = 0; i < int(table.columns.size()); ++i)
             values << literal(row, i);

@@ -25,7 +25,17 @@ const Document Purchase = {"purchase", "purchasemain", "pono", "purchase voucher
 
 // A header's total is its lines' sum, kept in single or double precision; a trace differs by a
 // whole line.
-const char *TotalsDiffer = "abs(m.netamt - l.amount) > 0.005 + 1e-5 * abs(l.amount)";
+const char *TotalsDiffer = "abs(%1 - l.amount) > 0.005 + 1e-5 * abs(l.amount)";
+
+// What the check's statements write each engine's way: a Number column's value as arithmetic
+// reads it, the sum of one (0 for none), a join the planner is not to reorder.
+struct CheckForms {
+    bool server;
+    QString figure(const QString &column) const { return server ? column + QStringLiteral("__n") : column; }
+    QString total(const QString &column) const { return server ? QStringLiteral("coalesce(sum(%1__n), 0)").arg(column) : "total(" + column + ")"; }
+    QString leading(const QString &column) const { return server ? "vleading(" + column + ")" : column + " + 0"; }
+    QString crossJoin() const { return server ? QStringLiteral("join") : QStringLiteral("cross join"); }
+};
 
 // A value as the report shows it: a long one (a whole paragraph typed into a field) is cut.
 QString shown(const QString &value)
@@ -46,11 +56,12 @@ QString figure(double value)
 
 class Checker {
 public:
-    Checker(SqliteFile &file, CheckDepth depth, CheckReport &report) : m_file(file), m_depth(depth), m_report(report) {}
+    Checker(BooksReader &books, CheckDepth depth, CheckReport &report) : m_file(books), m_forms{books.onServer()}, m_depth(depth), m_report(report) {}
 
+    // The server keeps its own pages; the file's are read here.
     void pages()
     {
-        if (m_depth == CheckDepth::Quick)
+        if (m_depth == CheckDepth::Quick || m_forms.server)
             return;
         const QStringList lines = m_file.firstColumn(QStringLiteral("pragma integrity_check"));
         m_report.pagesChecked = true;
@@ -66,29 +77,31 @@ public:
         const QString lines = QLatin1String(doc.lines), headers = QLatin1String(doc.headers), number = QLatin1String(doc.number);
         // Every line of the documents looked at, grouped by document.
         QString headerFilter;
-        QString groups = QStringLiteral("select %1 as number, trans, total(amount) as amount, count(*) as lines, max(rowid) as lastrow "
+        QString groups = QStringLiteral("select %1 as number, trans, %3 as amount, count(*) as lines, max(rowid) as lastrow "
                                         "from %2 group by %1, trans")
-                             .arg(number, lines);
+                             .arg(number, lines, m_forms.total(QStringLiteral("amount")));
         if (m_depth == CheckDepth::Quick) {
             headerFilter = QStringLiteral(" where rowid > (select max(rowid) from %1) - %2").arg(headers).arg(QuickTailRows / 10);
             QStringList recent;
-            m_file.eachRow("select " + number + ", trans from " + headers + headerFilter, [&](const SqliteRow &row) {
+            m_file.eachRow("select " + number + ", trans from " + headers + headerFilter, [&](const BookRow &row) {
                 recent << QStringLiteral("(%1, %2)").arg(sqlLiteral(figure(row.number(0))), sqlLiteral(row.text(1)));
             });
-            groups = QStringLiteral("select s.%1 as number, s.trans, total(s.amount) as amount, count(*) as lines, max(s.rowid) as lastrow "
+            groups = QStringLiteral("select s.%1 as number, s.trans, %5 as amount, count(*) as lines, max(s.rowid) as lastrow "
                                     "from (select %1, trans from %2 where rowid > (select max(rowid) from %2) - %3%4) k "
-                                    "cross join %2 s on s.%1 = k.%1 and s.trans = k.trans group by s.%1, s.trans")
+                                    "%6 %2 s on s.%1 = k.%1 and s.trans = k.trans group by s.%1, s.trans")
                          .arg(number, lines)
                          .arg(QuickTailRows)
-                         .arg(recent.isEmpty() ? QString() : " union values " + recent.join(QLatin1Char(',')));
+                         .arg(recent.isEmpty() ? QString() : " union values " + recent.join(QLatin1Char(',')),
+                              m_forms.total(QStringLiteral("s.amount")), m_forms.crossJoin());
         }
 
         QSet<qint64> reached;
         QString previous;
-        m_file.eachRow(QStringLiteral("select l.number, l.trans, l.amount, l.lines, l.lastrow, m.rowid, m.netamt, m.party, %1 "
+        const QString netamt = m_forms.figure(QStringLiteral("m.netamt"));
+        m_file.eachRow(QStringLiteral("select l.number, l.trans, l.amount, l.lines, l.lastrow, m.rowid, %5, m.party, %1 "
                                       "from (%2) l left join %3 m on m.%4 = l.number and m.trans = l.trans")
-                           .arg(TotalsDiffer, groups, headers, number),
-                       [&](const SqliteRow &row) {
+                           .arg(QString::fromLatin1(TotalsDiffer).arg(netamt), groups, headers, number, netamt),
+                       [&](const BookRow &row) {
                            const QString name = naming(doc, row.text(0), row.text(1));
                            const QString lineCount = QStringLiteral("%1 line(s) adding up to %2, the last in row %3")
                                                          .arg(row.integer(3))
@@ -111,7 +124,8 @@ public:
                                          .arg(lineCount));
                        });
 
-        m_file.eachRow("select rowid, " + number + ", trans, party, netamt from " + headers + headerFilter, [&](const SqliteRow &row) {
+        m_file.eachRow("select rowid, " + number + ", trans, party, " + m_forms.figure(QStringLiteral("netamt")) + " from " + headers + headerFilter,
+                       [&](const BookRow &row) {
             if (reached.contains(row.integer(0)) || hasLines(doc, row.number(1), row.text(2)))
                 return;
             trace(QStringLiteral("A %1 without lines").arg(QLatin1String(doc.noun)),
@@ -124,8 +138,9 @@ public:
     // A receipt or payment is inserted, then given its balance.
     void ledger()
     {
-        m_file.eachRow(QStringLiteral("select rowid, type, refno, dat, ac, debit, credit from ledger where balance is null"),
-                       [&](const SqliteRow &row) {
+        m_file.eachRow(QStringLiteral("select rowid, type, refno, dat, ac, %1, %2 from ledger where balance is null")
+                           .arg(m_forms.figure(QStringLiteral("debit")), m_forms.figure(QStringLiteral("credit"))),
+                       [&](const BookRow &row) {
                            const bool payment = row.text(1).compare(QLatin1String("payment"), Qt::CaseInsensitive) == 0;
                            trace(QStringLiteral("A ledger entry without its balance"),
                                  QStringLiteral("%1 %2 of %3, %4, %5 %6, in row %7")
@@ -140,7 +155,9 @@ public:
     // its two figures as whole numbers, so a fractional quantity leaves them apart.
     void stock()
     {
-        m_file.eachRow(QStringLiteral("select rowid, prodname, totqty, usedqty from stock where stk is null"), [&](const SqliteRow &row) {
+        m_file.eachRow(QStringLiteral("select rowid, prodname, %1, %2 from stock where stk is null")
+                           .arg(m_forms.figure(QStringLiteral("totqty")), m_forms.figure(QStringLiteral("usedqty"))),
+                       [&](const BookRow &row) {
             trace(QStringLiteral("A stock row without its stock"),
                   QStringLiteral("%1: bought %2, sold %3, in row %4")
                       .arg(shown(row.text(1)), figure(row.number(2)), figure(row.number(3)))
@@ -148,15 +165,18 @@ public:
         });
     }
 
-    // Files made before the numbering guards can hold a text where a number belongs.
+    // Files made before the numbering guards can hold a text where a number belongs; the
+    // server's numbering columns hold numbers alone.
     void numbering()
     {
+        if (m_forms.server)
+            return;
         static const char *const columns[][2] = {{"salesmain", "invoice"}, {"purchasemain", "pono"}, {"ledger", "refno"},
                                                  {"suppliermaster", "ID"}, {"productmaster", "psrno"}};
         for (const auto &column : columns) {
             const QString table = QLatin1String(column[0]), name = QLatin1String(column[1]);
             m_file.eachRow("select rowid, " + name + " from " + table + " where typeof(" + name + ") not in ('integer', 'real')",
-                           [&](const SqliteRow &row) {
+                           [&](const BookRow &row) {
                                trace(QStringLiteral("A number that is not a number"),
                                      QStringLiteral("%1.%2 in row %3 holds %4")
                                          .arg(table, name)
@@ -183,14 +203,15 @@ private:
                                 .arg(QLatin1String(doc.lines), sqlLiteral(mode), QLatin1String(doc.number), sqlLiteral(figure(number)));
         if (m_file.number(sql) > 0)
             return true;
-        return m_file.number(QStringLiteral("select count(*) from %1 where trans = %2 and %3 + 0 = %4")
-                                 .arg(QLatin1String(doc.lines), sqlLiteral(mode), QLatin1String(doc.number), figure(number)))
+        return m_file.number(QStringLiteral("select count(*) from %1 where trans = %2 and %3 = %4")
+                                 .arg(QLatin1String(doc.lines), sqlLiteral(mode), m_forms.leading(QLatin1String(doc.number)), figure(number)))
             > 0;
     }
 
     void trace(const QString &kind, const QString &rows) { m_report.traces << Finding{kind, rows}; }
 
-    SqliteFile &m_file;
+    BooksReader &m_file;
+    CheckForms m_forms;
     CheckDepth m_depth;
     CheckReport &m_report;
 };
@@ -200,9 +221,9 @@ private:
 QString CheckReport::text() const
 {
     QString text;
-    if (!pagesChecked)
+    if (!pagesChecked && !server) // the server looks after its own pages
         text += QStringLiteral("The pages of the file were not read (the full check reads them).\n");
-    else if (damage.isEmpty())
+    else if (!server && damage.isEmpty())
         text += QStringLiteral("The file's pages are sound.\n");
     for (const QString &line : damage)
         text += "The file is damaged: " + line + "\n";
@@ -220,12 +241,16 @@ QString CheckReport::text() const
 
 CheckReport checkShopFile(const QString &path, CheckDepth depth)
 {
-    SqliteFile file(path, SqliteFile::Access::ReadOnly);
-    file.execute(QStringLiteral("pragma query_only = 1"));
-    // The join from the newest lines to all lines of their documents goes through the line
-    // table's index; an automatic one would read the whole table to build.
-    file.execute(QStringLiteral("pragma automatic_index = 0"));
+    const std::unique_ptr<BooksReader> books = openBooksReader(path);
+    if (auto *file = dynamic_cast<SqliteFile *>(books.get())) {
+        file->execute(QStringLiteral("pragma query_only = 1"));
+        // The join from the newest lines to all lines of their documents goes through the line
+        // table's index; an automatic one would read the whole table to build.
+        file->execute(QStringLiteral("pragma automatic_index = 0"));
+    }
     CheckReport report;
+    report.server = books->onServer();
+    BooksReader &file = *books;
     Checker checker(file, depth, report);
     checker.pages();
     checker.documents(Sales);

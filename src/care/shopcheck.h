@@ -13,6 +13,7 @@ struct Finding {
 };
 
 struct CheckReport {
+    bool server = false; // the books on a server, which keeps its own pages
     bool pagesChecked = false;
     QStringList damage; // the engine's integrity check, when it found anything
     QList<Finding> traces;
@@ -37,6 +38,8 @@ constexpr int QuickTailRows = 5000;
 // number is used twice, ledger rows without a balance, stock rows whose stock is not bought
 // less sold, numbering columns holding anything but a number, and dates no register can read. Throws UnhandledError when
 // the file cannot be opened or read.
+// PATH may name the books on a server (see serverconnection.h): the same findings, read in one
+// snapshot of the books, without the file's pages.
 CheckReport checkShopFile(const QString &path, CheckDepth depth);
 
 } // namespace vantrel

@@ -69,42 +69,42 @@ void SqliteFile::execute(const QString &sql)
         fail(sql);
 }
 
-void SqliteFile::eachRow(const QString &sql, const std::function<void(const SqliteRow &)> &row)
+namespace {
+
+// A statement's rows, stepped one at a time; finalized with them.
+class SqliteRows : public BookRows {
+public:
+    SqliteRows(const SqliteFile &file, sqlite3_stmt *statement, const QString &sql) : m_statement(statement), m_row(statement), m_file(file), m_sql(sql) {}
+    ~SqliteRows() override { sqlite3_finalize(m_statement); }
+    bool next() override
+    {
+        const int rc = sqlite3_step(m_statement);
+        if (rc != SQLITE_ROW && rc != SQLITE_DONE)
+            m_file.fail(m_sql);
+        return rc == SQLITE_ROW;
+    }
+    bool isNull(int column) const override { return m_row.isNull(column); }
+    QString text(int column) const override { return m_row.text(column); }
+    double number(int column) const override { return m_row.number(column); }
+    qint64 integer(int column) const override { return m_row.integer(column); }
+    QString type(int column) const override { return m_row.type(column); }
+
+private:
+    sqlite3_stmt *m_statement;
+    SqliteRow m_row;
+    const SqliteFile &m_file;
+    QString m_sql;
+};
+
+} // namespace
+
+std::unique_ptr<BookRows> SqliteFile::rows(const QString &sql)
 {
     sqlite3_stmt *statement = nullptr;
     const QByteArray text = sql.toUtf8();
     if (sqlite3_prepare_v2(m_db, text.constData(), int(text.size()), &statement, nullptr) != SQLITE_OK)
         fail(sql);
-    int rc;
-    try {
-        while ((rc = sqlite3_step(statement)) == SQLITE_ROW)
-            row(SqliteRow(statement));
-    } catch (...) {
-        sqlite3_finalize(statement);
-        throw;
-    }
-    sqlite3_finalize(statement);
-    if (rc != SQLITE_DONE)
-        fail(sql);
-}
-
-QStringList SqliteFile::firstColumn(const QString &sql)
-{
-    QStringList values;
-    eachRow(sql, [&](const SqliteRow &row) { values << row.text(0); });
-    return values;
-}
-
-double SqliteFile::number(const QString &sql)
-{
-    double value = 0;
-    bool first = true;
-    eachRow(sql, [&](const SqliteRow &row) {
-        if (first)
-            value = row.number(0);
-        first = false;
-    });
-    return value;
+    return std::make_unique<SqliteRows>(*this, statement, sql);
 }
 
 } // namespace vantrel

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "booksreader.h"
+
 #include <QString>
 #include <QStringList>
 #include <functional>
@@ -9,16 +11,15 @@ struct sqlite3_stmt;
 
 namespace vantrel {
 
-// One result row while a query steps; valid only inside the callback that receives it.
-class SqliteRow {
+// One result row of the file while a statement steps.
+class SqliteRow : public BookRow {
 public:
     explicit SqliteRow(sqlite3_stmt *statement) : m_statement(statement) {}
-    bool isNull(int column) const;
-    QString text(int column) const;
-    double number(int column) const;
-    qint64 integer(int column) const;
-    // The column's storage class as the engine names it: "integer", "real", "text", "blob", "null".
-    QString type(int column) const;
+    bool isNull(int column) const override;
+    QString text(int column) const override;
+    double number(int column) const override;
+    qint64 integer(int column) const override;
+    QString type(int column) const override;
 
 private:
     sqlite3_stmt *m_statement;
@@ -27,25 +28,22 @@ private:
 // A shop file opened straight on the engine, for the tools that look after the file (backups,
 // the check after a crash), not for the screens. Every failure throws UnhandledError with the
 // file's name and the engine's message. A busy file is waited for up to BusyMilliseconds.
-class SqliteFile {
+class SqliteFile : public BooksReader {
 public:
     enum class Access { ReadOnly, ReadWrite, Create };
     static constexpr int BusyMilliseconds = 10000;
 
     SqliteFile(const QString &path, Access access);
-    ~SqliteFile();
+    ~SqliteFile() override;
     SqliteFile(const SqliteFile &) = delete;
     SqliteFile &operator=(const SqliteFile &) = delete;
 
     sqlite3 *handle() const { return m_db; }
     const QString &path() const { return m_path; }
 
+    bool onServer() const override { return false; }
+    std::unique_ptr<BookRows> rows(const QString &sql) override;
     void execute(const QString &sql);
-    void eachRow(const QString &sql, const std::function<void(const SqliteRow &)> &row);
-    // The first column of every row, as text (the integrity check's lines, say).
-    QStringList firstColumn(const QString &sql);
-    // The first column of the first row as a number; 0 when there is no row or it is null.
-    double number(const QString &sql);
 
     // Throws UnhandledError naming the file, the action and the engine's last message.
     [[noreturn]] void fail(const QString &action) const;

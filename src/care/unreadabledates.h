@@ -5,7 +5,7 @@
 
 namespace vantrel {
 
-class SqliteFile;
+class BooksReader;
 
 // A document or ledger entry whose date no register can read: a date kept as it was typed
 // ("31/02/26"). Every date-wise register, the ledger and the year close fail on it.
@@ -19,7 +19,7 @@ struct UnreadableDate {
 // Every such row of the invoices, vouchers and ledger entries: sales invoices first, then
 // purchase vouchers, then ledger entries, each in the order the file holds them. Throws
 // UnhandledError when the file cannot be read.
-QList<UnreadableDate> unreadableDates(SqliteFile &file);
+QList<UnreadableDate> unreadableDates(BooksReader &books);
 QList<UnreadableDate> unreadableDates(const QString &path);
 
 } // namespace vantrel

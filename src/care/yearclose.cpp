@@ -122,7 +122,7 @@ YearClosePlan planYearClose(const QString &database, const FinancialYear &year, 
         file.eachRow("select 'sales invoice ' || invoice || ' (' || trans || ') of ' || party from sales where status='u' and not "
                          + cut.salesLine() + " union select 'purchase voucher ' || pono || ' (' || trans || ') of ' || party from purchase "
                          "where status='u' and not " + cut.purchaseLine(),
-                     [&plan](const SqliteRow &row) { plan.unsettled << row.text(0); });
+                     [&plan](const BookRow &row) { plan.unsettled << row.text(0); });
     }
     const CheckReport report = checkShopFile(database, CheckDepth::Full);
     if (!report.clean())

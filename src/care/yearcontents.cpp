@@ -18,7 +18,7 @@ namespace {
 const char *const Opening = "OPENING BALANCE";
 
 // An amount as an operator types it: rounded to the paisa, in its shortest text; null stays null.
-QString paisa(const SqliteRow &row, int column)
+QString paisa(const BookRow &row, int column)
 {
     return row.isNull(column) ? QStringLiteral("null") : doubleText(std::round(row.number(column) * 100) / 100);
 }
@@ -31,14 +31,14 @@ QStringList openingRows(SqliteFile &file, const CutOff &cut, const YearClosePlan
     QStringList rows;
     const QString closing = "not " + cut.after(), opening = sqlLiteral(QLatin1String(Opening)), date = sqlLiteral(plan.openingDate()),
                   balance = sqlLiteral(plan.balance);
-    const auto name = [](const SqliteRow &row, int column) { return row.isNull(column) ? QStringLiteral("null") : sqlLiteral(row.text(column)); };
-    file.eachRow("select accnm, sum(credit) from ledger where type='receipt' and " + closing + " group by accnm", [&](const SqliteRow &row) {
+    const auto name = [](const BookRow &row, int column) { return row.isNull(column) ? QStringLiteral("null") : sqlLiteral(row.text(column)); };
+    file.eachRow("select accnm, sum(credit) from ledger where type='receipt' and " + closing + " group by accnm", [&](const BookRow &row) {
         rows << QStringLiteral("(0,%1,%2,%3,null,%4,'receipt',%5)").arg(date, opening, paisa(row, 1), name(row, 0), balance);
     });
-    file.eachRow("select sum(debit) from ledger where type='payment' and " + closing + " having count(*) > 0", [&](const SqliteRow &row) {
+    file.eachRow("select sum(debit) from ledger where type='payment' and " + closing + " having count(*) > 0", [&](const BookRow &row) {
         rows << QStringLiteral("(0,%1,%2,null,%3,null,'payment',%4)").arg(date, opening, paisa(row, 0), balance);
     });
-    file.eachRow("select ac, sum(credit), sum(debit) from ledger where " + closing + " group by ac", [&](const SqliteRow &row) {
+    file.eachRow("select ac, sum(credit), sum(debit) from ledger where " + closing + " group by ac", [&](const BookRow &row) {
         rows << QStringLiteral("(0,%1,%2,%3,%4,null,'opening',%5)").arg(date, name(row, 0), paisa(row, 1), paisa(row, 2), balance);
     });
     return rows;

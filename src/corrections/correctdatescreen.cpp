@@ -44,8 +44,8 @@ void CorrectDateScreen::activated()
     QStringList rows;
     for (const UnreadableDate &row : m_found)
         rows << QStringLiteral("(%1, %2)").arg(sqlLiteral(row.document), sqlLiteral(row.date));
-    m_list->bind(db(), rows.isEmpty() ? QStringLiteral("select '' as Document, '' as [Date] where 0")
-                                      : "select column1 as Document, column2 as [Date] from (values " + rows.join(QLatin1Char(',')) + ")");
+    m_list->bind(db(), rows.isEmpty() ? QStringLiteral("select '' as [Document], '' as [Date] where 1 = 0")
+                                      : "select column1 as [Document], column2 as [Date] from (values " + rows.join(QLatin1Char(',')) + ") found");
 }
 
 void CorrectDateScreen::writeClicked()

@@ -84,11 +84,12 @@ QString functionText(const QString &name, const QString &body)
 
 QVector<ServerLogTrigger> serverLogTriggers()
 {
-    QVector<ServerLogTrigger> triggers = {{QStringLiteral("editlog_seal"), QStringLiteral("editlog"), QStringLiteral("editlog_seal")},
-                                          {QStringLiteral("editlog_kept"), QStringLiteral("editlog"), QStringLiteral("editlog_kept")},
-                                          {QStringLiteral("editlog_kept_truncate"), QStringLiteral("editlog"), QStringLiteral("editlog_kept")}};
+    // The catalogue's bits: 1 for each row, 2 before, 4 insert, 8 delete, 16 update, 32 truncate.
+    QVector<ServerLogTrigger> triggers = {{QStringLiteral("editlog_seal"), QStringLiteral("editlog"), QStringLiteral("editlog_seal"), 1 | 2 | 4},
+                                          {QStringLiteral("editlog_kept"), QStringLiteral("editlog"), QStringLiteral("editlog_kept"), 1 | 2 | 8 | 16},
+                                          {QStringLiteral("editlog_kept_truncate"), QStringLiteral("editlog"), QStringLiteral("editlog_kept"), 2 | 32}};
     for (const ServerTable &table : serverTables())
-        triggers.append({table.name + QStringLiteral("_log"), table.name, table.name + QStringLiteral("_log")});
+        triggers.append({table.name + QStringLiteral("_log"), table.name, table.name + QStringLiteral("_log"), 1 | 4 | 8 | 16});
     return triggers;
 }
 

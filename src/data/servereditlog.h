@@ -31,6 +31,7 @@ QString serverEditLogText();
 // runs (the check finds them on the server as they were made).
 struct ServerLogTrigger {
     QString name, table, function;
+    int type; // its kind as the server's catalogue codes it (row, before, the events)
 };
 QVector<ServerLogTrigger> serverLogTriggers();
 // The body of FUNCTION as serverEditLogText() writes it.

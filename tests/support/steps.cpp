@@ -251,9 +251,9 @@ void StepDesk::step(const QString &verb, const QString &argument)
     const QString name = argument.section(QLatin1Char('='), 0, 0);
     const QString value = argument.section(QLatin1Char('='), 1);
     QString failure;
-    if (verb == "file") {
-        // What only the file has (its storage classes, the sqlite3 shell): not on the server.
-        if (!shop.db().onServer())
+    if (verb == "file" || verb == "server") {
+        // What only one engine has (the file's storage classes, the server's catalogue).
+        if (shop.db().onServer() == (verb == "server"))
             step(argument.section(QLatin1Char(' '), 0, 0), argument.section(QLatin1Char(' '), 1));
     } else if (verb == "open") {
         m_window->findChild<QAction *>(argument)->trigger();
@@ -339,8 +339,13 @@ void StepDesk::step(const QString &verb, const QString &argument)
         CHECK(shop.db().engineText(fast) != fast, "the engine runs this as it stands: " + fast);
         failure = same(fast, described(fast), described(argument.section(" => ", 1)));
     } else if (verb == "shell") {
+        // The engine's own shell: sqlite3 on the file, psql (its messages alone) on the server.
         QProcess shell;
-        shell.start(QStringLiteral("sqlite3"), {shop.db().fileName(), argument.section(" =>", 0, 0)});
+        if (shop.db().onServer())
+            shell.start(QStringLiteral("psql"), {shop.books(), QStringLiteral("-XqAt"), QStringLiteral("-v"), QStringLiteral("VERBOSITY=terse"),
+                                                 QStringLiteral("-c"), argument.section(" =>", 0, 0)});
+        else
+            shell.start(QStringLiteral("sqlite3"), {shop.db().fileName(), argument.section(" =>", 0, 0)});
         CHECK(shell.waitForFinished(10000), "the sqlite3 shell did not run");
         const QString out = QString::fromUtf8(shell.readAllStandardOutput() + shell.readAllStandardError()).trimmed();
         failure = same("the shell", out.split(QLatin1Char('\n')).join(" | "), argument.section(" =>", 1).trimmed());

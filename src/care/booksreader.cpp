@@ -1,0 +1,36 @@
+#include "booksreader.h"
+
+#include "data/serverconnection.h"
+#include "serverreader.h"
+#include "sqlitefile.h"
+
+namespace vantrel {
+
+void BooksReader::eachRow(const QString &sql, const std::function<void(const BookRow &)> &row)
+{
+    const std::unique_ptr<BookRows> found = rows(sql);
+    while (found->next())
+        row(*found);
+}
+
+QStringList BooksReader::firstColumn(const QString &sql)
+{
+    QStringList values;
+    eachRow(sql, [&](const BookRow &row) { values << row.text(0); });
+    return values;
+}
+
+double BooksReader::number(const QString &sql)
+{
+    const std::unique_ptr<BookRows> found = rows(sql);
+    return found->next() ? found->number(0) : 0;
+}
+
+std::unique_ptr<BooksReader> openBooksReader(const QString &connection)
+{
+    if (isServerConnection(connection))
+        return std::make_unique<ServerReader>(connection);
+    return std::make_unique<SqliteFile>(connection, SqliteFile::Access::ReadOnly);
+}
+
+} // namespace vantrel
