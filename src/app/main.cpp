@@ -19,8 +19,7 @@
 int main(int argc, char *argv[])
 {
     QApplication app(argc, argv);
-    QApplication::setApplicationName(QString::fromLatin1(vantrel::ProgramTitle));
-    QApplication::setOrganizationName(QString::fromLatin1(vantrel::ProgramTitle)); // the settings' place
+    vantrel::ProgramSettings::usePlace();
     vantrel::MessageBoxDialogs dialogs;
     vantrel::SystemClock clock;
 

@@ -3,6 +3,7 @@
 #include "connectionstring.h"
 #include "serverconnection.h"
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QSettings>
 #include <QSysInfo>
@@ -27,6 +28,12 @@ QDate FinancialYear::lastCompleteYearEnd(const QDate &day) const
 {
     const QDate start(day.year(), startMonth, startDay);
     return (day < start ? start.addYears(-1) : start).addDays(-1);
+}
+
+void ProgramSettings::usePlace()
+{
+    QCoreApplication::setOrganizationName(QStringLiteral("Vantrel"));
+    QCoreApplication::setApplicationName(QStringLiteral("Vantrel"));
 }
 
 ProgramSettings ProgramSettings::read()
@@ -80,6 +87,12 @@ QString ProgramSettings::booksIn(const QString &programDirectory) const
 {
     const QString chosen = qEnvironmentVariableIsSet("VANTREL_BOOKS") ? qEnvironmentVariable("VANTREL_BOOKS").trimmed() : booksServer;
     return isServerConnection(chosen) ? chosen : buildConnectionString(programDirectory);
+}
+
+QString ProgramSettings::booksPathIn(const QString &programDirectory) const
+{
+    const QString books = booksIn(programDirectory);
+    return isServerConnection(books) ? books : dataSourceOf(books);
 }
 
 } // namespace vantrel

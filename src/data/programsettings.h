@@ -28,6 +28,9 @@ struct ProgramSettings {
     QString booksServer;                        // "books/server": the books on a PostgreSQL server; blank: the file
     QString counterName;                        // "books/counter": how the server's edit log names this computer
 
+    // Names the program's settings' place (QSettings' organization and application): the
+    // program and its tools read the same settings.
+    static void usePlace();
     static ProgramSettings read();
     // Keeps every value; a blank one is forgotten, so that its default holds again. False when
     // the settings could not be written.
@@ -43,6 +46,8 @@ struct ProgramSettings {
     // server setting; the connection string of the file in PROGRAMDIRECTORY when neither names
     // a server.
     QString booksIn(const QString &programDirectory) const;
+    // The same as a path for the file's tools: the file's own path, or the server's connection.
+    QString booksPathIn(const QString &programDirectory) const;
 };
 
 } // namespace vantrel
