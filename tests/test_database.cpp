@@ -1,7 +1,9 @@
 // The database file's opening, the values read and written, and the grid that reads them. (What
 // the engine makes of the system's statements, and choosing from a grid, are in tests/cases.)
 #include "data/records.h"
+#include "care/backups.h"
 #include "care/servermove.h"
+#include "care/shopcheck.h"
 #include "data/serverschema.h"
 #include "data/shortdate.h"
 #include "support/testshop.h"
@@ -54,6 +56,47 @@ private slots:
         test::TestShop shop(test::TestShop::Filled);
         QVERIFY(test::errorOf([&] { createServerBooks(shop.books()); }).endsWith(QStringLiteral(": the database is not empty; the books are made only in an empty one")));
         QCOMPARE(shop.rows(QStringLiteral("select count(*) from salesmain")), (QList<QStringList>{{"3"}}));
+    }
+
+    // A backup of the books on the server: taken while they stand, kept only once read back, its
+    // owner's alone; a dump cut off at 60% is refused and leaves the database it was restored into
+    // empty; the whole one restores into an empty database with every row and the log's chain,
+    // and never into one that holds anything.
+    void aServerBackupIsReadBackAndRestoresOnlyIntoAnEmptyDatabase()
+    {
+        if (test::testServer().isEmpty())
+            QSKIP("no test server (VANTREL_TEST_SERVER)");
+        test::TestShop shop(test::TestShop::Filled);
+        shop.exec("update ledger set debit = 12.35 where rowid = 2");
+        const QString folder = shop.directory() + "/backups";
+        Backups backups(shop.books(), folder);
+        const QString taken = backups.take(QDateTime(QDate(2026, 11, 23), QTime(9, 30, 5)));
+        QCOMPARE(QFileInfo(taken).fileName(), QStringLiteral("vantrel-2026-11-23-093005.dump"));
+        QCOMPARE(backups.list(), QStringList{taken});
+        QCOMPARE(QFileInfo(taken).permissions() & (QFile::ReadGroup | QFile::ReadOther), QFileDevice::Permissions());
+        QCOMPARE(QDir(folder).entryList(QDir::Files), QStringList{QFileInfo(taken).fileName()}); // no part left
+
+        const QString cut = folder + "/cut.dump";
+        QFile::copy(taken, cut);
+        QFile(cut).resize(QFileInfo(taken).size() * 6 / 10);
+        const QString empty = test::newServerDatabase(QStringLiteral("restored_%1").arg(QCoreApplication::applicationPid()));
+        QVERIFY(test::errorOf([&] { Backups(empty, folder).restore(cut, QDateTime::currentDateTime()); }).contains("the backup cannot be restored: pg_restore: "));
+        QVERIFY(test::errorOf([&] { Database db(empty); }).endsWith("the database holds no books (vantrel-initdb makes them in an empty database)"));
+
+        QCOMPARE(Backups(empty, folder).restore(taken, QDateTime::currentDateTime()), QString());
+        Database restored(empty);
+        for (const char *sql : {"select * from ledger", "select id, at, source, hash from editlog"}) {
+            QStringList here, there;
+            for (Recordset rs = shop.db().query(sql); !rs.eof(); rs.moveNext())
+                for (const QString &field : rs.fieldNames())
+                    here << rs.text(field);
+            for (Recordset rs = restored.query(sql); !rs.eof(); rs.moveNext())
+                for (const QString &field : rs.fieldNames())
+                    there << rs.text(field);
+            QCOMPARE(there, here);
+        }
+        QVERIFY2(checkShopFile(empty, CheckDepth::Full).clean(), qPrintable(checkShopFile(empty, CheckDepth::Full).text()));
+        QVERIFY(test::errorOf([&] { backups.restore(taken, QDateTime::currentDateTime()); }).endsWith(": the database is not empty; a backup is restored only into an empty one"));
     }
 
     // In a directory with blanks and URI characters: a missing file is not created; no database, a

@@ -7,9 +7,13 @@
 //                                                      put BACKUP in place of the shop file,
 //                                                      saving the current one aside first
 //
-// DATABASE is vantrel.accdb beside this program unless named; FOLDER is "backups" beside the
-// database. Exit status 0 on success, 1 when a copy failed its check or could not be made.
+// DATABASE is the books the program opens unless named (vantrel.accdb beside it, or the server
+// its settings or VANTREL_BOOKS name); FOLDER is "backups" beside the file, or beside this
+// program for books on a server. A server's backup is restored only into an empty database.
+// Exit status 0 on success, 1 when a copy failed its check or could not be made.
 #include "care/backups.h"
+#include "data/programsettings.h"
+#include "data/serverconnection.h"
 #include "data/unhandlederror.h"
 
 #include <QCoreApplication>
@@ -30,6 +34,7 @@ int usage()
 int main(int argc, char **argv)
 {
     QCoreApplication app(argc, argv);
+    vantrel::ProgramSettings::usePlace();
     QString action = QStringLiteral("take"), backup, folder, database;
     const QStringList args = app.arguments().mid(1);
     for (int i = 0; i < args.size(); ++i) {
@@ -46,9 +51,10 @@ int main(int argc, char **argv)
             return usage();
     }
     if (database.isEmpty())
-        database = QDir(app.applicationDirPath()).filePath(QStringLiteral("vantrel.accdb"));
+        database = vantrel::ProgramSettings::read().booksPathIn(app.applicationDirPath());
+    const bool server = vantrel::isServerConnection(database);
     if (folder.isEmpty())
-        folder = QFileInfo(database).absoluteDir().filePath(QStringLiteral("backups"));
+        folder = (server ? QDir(app.applicationDirPath()) : QFileInfo(database).absoluteDir()).filePath(QStringLiteral("backups"));
 
     vantrel::Backups backups(database, folder);
     const QDateTime now = QDateTime::currentDateTime();
@@ -60,7 +66,7 @@ int main(int argc, char **argv)
             const QString aside = backups.restore(backup, now);
             if (!aside.isEmpty())
                 std::printf("vantrel-backup: the file as it was is saved in %s\n", qPrintable(aside));
-            std::printf("vantrel-backup: %s now holds %s\n", qPrintable(database), qPrintable(backup));
+            std::printf("vantrel-backup: %s now holds %s\n", qPrintable(server ? vantrel::serverDescription(database) : database), qPrintable(backup));
         } else {
             const QString taken = action == QLatin1String("daily") ? backups.takeDaily(now) : backups.take(now);
             if (taken.isEmpty())

@@ -1,6 +1,8 @@
 #include "backups.h"
 
+#include "data/serverconnection.h"
 #include "data/unhandlederror.h"
+#include "serverbackup.h"
 #include "sqlitefile.h"
 
 #include <QDir>
@@ -19,7 +21,7 @@ namespace vantrel {
 
 namespace {
 
-const char *NameFormat = "'vantrel-'yyyy-MM-dd-HHmmss'.accdb'";
+const char *NameFormat = "'vantrel-'yyyy-MM-dd-HHmmss";
 
 // A new, empty file that only its owner may read; never an existing one.
 void createPrivateFile(const QString &path)
@@ -73,16 +75,25 @@ void Backups::copyInto(const QString &from, const QString &to)
     copyPages(source, target);
 }
 
-Backups::Backups(const QString &database, const QString &folder) : m_database(database), m_folder(folder) {}
-
-QString Backups::fileName(const QDateTime &time)
+Backups::Backups(const QString &database, const QString &folder)
+    : m_database(database), m_folder(folder), m_server(isServerConnection(database))
 {
-    return time.toString(QLatin1String(NameFormat));
+}
+
+QString Backups::fileName(const QDateTime &time, const QString &extension)
+{
+    return time.toString(QLatin1String(NameFormat)) + QLatin1Char('.') + extension;
 }
 
 QDateTime Backups::timeOf(const QString &fileName)
 {
-    return QDateTime::fromString(fileName, QLatin1String(NameFormat));
+    const QString stem = fileName.section(QLatin1Char('.'), 0, 0), extension = fileName.section(QLatin1Char('.'), 1);
+    return extension == QLatin1String("accdb") || extension == QLatin1String("dump") ? QDateTime::fromString(stem, QLatin1String(NameFormat)) : QDateTime();
+}
+
+QString Backups::extension() const
+{
+    return m_server ? QStringLiteral("dump") : QStringLiteral("accdb");
 }
 
 QStringList Backups::verify(const QString &path, Check check)
@@ -94,7 +105,7 @@ QStringList Backups::verify(const QString &path, Check check)
 QStringList Backups::list() const
 {
     QStringList backups;
-    const QStringList names = QDir(m_folder).entryList({QStringLiteral("vantrel-*.accdb")}, QDir::Files, QDir::Name);
+    const QStringList names = QDir(m_folder).entryList({"vantrel-*." + extension()}, QDir::Files, QDir::Name);
     for (const QString &name : names)
         if (timeOf(name).isValid())
             backups << QDir(m_folder).filePath(name);
@@ -106,11 +117,18 @@ QString Backups::take(const QDateTime &now, Check depth)
     if (!QDir().mkpath(m_folder))
         throw UnhandledError(QStringLiteral("Cannot make the backup folder %1").arg(m_folder));
     QFile::setPermissions(m_folder, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
-    const QString path = QDir(m_folder).filePath(fileName(now));
+    const QString path = QDir(m_folder).filePath(fileName(now, extension()));
     if (QFileInfo::exists(path))
         throw UnhandledError(QStringLiteral("%1 is already there").arg(path));
     const QString part = path + QStringLiteral(".part");
     QFile::remove(part);
+    if (m_server) { // read back whole before it is named
+        takeServerBackup(m_database, part);
+        if (!QFile::rename(part, path))
+            throw UnhandledError(QStringLiteral("Cannot name the backup %1").arg(path));
+        prune(now);
+        return path;
+    }
     copyToNewFile(m_database, part);
     const QStringList check = verify(part, depth);
     if (check != QStringList{QStringLiteral("ok")}) {
@@ -133,6 +151,10 @@ QString Backups::takeDaily(const QDateTime &now)
 
 QString Backups::restore(const QString &backup, const QDateTime &now)
 {
+    if (m_server) {
+        restoreServerBackup(backup, m_database);
+        return {};
+    }
     const QStringList check = verify(backup);
     if (check != QStringList{QStringLiteral("ok")})
         throw UnhandledError(QStringLiteral("%1 failed its check, so it was not restored: %2").arg(backup, check.join(QLatin1String("; "))));
@@ -181,7 +203,7 @@ void Backups::prune(const QDateTime &now)
     for (const QString &backup : list())
         times << timeOf(QFileInfo(backup).fileName());
     for (const QDateTime &time : prunable(times, now))
-        QFile::remove(QDir(m_folder).filePath(fileName(time)));
+        QFile::remove(QDir(m_folder).filePath(fileName(time, extension())));
 }
 
 } // namespace vantrel

@@ -9,7 +9,9 @@ namespace vantrel {
 
 // Backups of the shop file, taken with the engine's online backup: a consistent copy even while
 // the program writes. Each lies in the backup folder as "vantrel-YYYY-MM-DD-HHMMSS.accdb", a
-// complete file of its own (no write-ahead log beside it), readable by its owner only.
+// complete file of its own (no write-ahead log beside it), readable by its owner only. Books on
+// a server are kept as "vantrel-YYYY-MM-DD-HHMMSS.dump" (see serverbackup.h), pruned alike, and
+// restored only into an empty database (nothing is saved aside).
 class Backups {
 public:
     // How many of the newest backups are always kept; besides them, the newest of each of the
@@ -49,15 +51,18 @@ public:
     static QStringList verify(const QString &path, Check check = Check::Full);
     // Which of the backups taken at TIMES (any order) the pruning removes at NOW.
     static QList<QDateTime> prunable(const QList<QDateTime> &times, const QDateTime &now);
-    static QString fileName(const QDateTime &time);
+    static QString fileName(const QDateTime &time, const QString &extension = QStringLiteral("accdb"));
     // The time a backup's name carries; an invalid time for any other name.
     static QDateTime timeOf(const QString &fileName);
 
 private:
     void prune(const QDateTime &now);
+    // The backups' extension: "accdb" for the file's, "dump" for a server's.
+    QString extension() const;
 
     QString m_database;
     QString m_folder;
+    bool m_server;
 };
 
 } // namespace vantrel

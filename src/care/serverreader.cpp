@@ -72,7 +72,7 @@ private:
 
 } // namespace
 
-ServerReader::ServerReader(const QString &connection) : m_connection(connection)
+ServerReader::ServerReader(const QString &connection, Mode mode) : m_connection(connection)
 {
     static int readers = 0;
     m_name = QStringLiteral("vantrel-reader-%1").arg(++readers);
@@ -85,9 +85,12 @@ ServerReader::ServerReader(const QString &connection) : m_connection(connection)
             action = QStringLiteral("cannot open them");
             failure = db.lastError().databaseText().simplified();
         }
-        for (const char *statement : {"set extra_float_digits = 1", "begin isolation level repeatable read read only"})
-            if (failure.isEmpty() && !setup.exec(QLatin1String(statement))) {
-                action = QLatin1String(statement);
+        QStringList statements{QStringLiteral("set extra_float_digits = 1")};
+        if (mode == Mode::Snapshot)
+            statements << QStringLiteral("begin isolation level repeatable read read only");
+        for (const QString &statement : statements)
+            if (failure.isEmpty() && !setup.exec(statement)) {
+                action = statement;
                 failure = serverMessage(setup.lastError());
             }
     }
@@ -110,6 +113,13 @@ ServerReader::~ServerReader()
 std::unique_ptr<BookRows> ServerReader::rows(const QString &sql)
 {
     return std::make_unique<ServerRows>(*this, QStringLiteral("vantrel_read_%1").arg(++m_cursors), sql);
+}
+
+void ServerReader::run(const QString &sql)
+{
+    QSqlQuery query(QSqlDatabase::database(m_name, false));
+    if (!query.exec(sql))
+        fail(sql, serverMessage(query.lastError()));
 }
 
 void ServerReader::fail(const QString &action, const QString &message) const

@@ -35,17 +35,29 @@ QList<std::pair<QString, QString>> parameters(const QString &connection)
     return set;
 }
 
+// CONNECTION's parameters as key='value', a quote or backslash in a value escaped, but WITHOUT.
+QStringList quotedParameters(const QString &connection, const QString &without = QString())
+{
+    QStringList pairs;
+    for (auto [key, value] : parameters(connection)) {
+        if (key == without)
+            continue;
+        value.replace(QLatin1Char('\\'), QLatin1String("\\\\")).replace(QLatin1Char('\''), QLatin1String("\\'"));
+        pairs << key + QStringLiteral("='") + value + QLatin1Char('\'');
+    }
+    return pairs;
+}
+
 } // namespace
 
 QString serverConnectOptions(const QString &connection)
 {
-    QStringList pairs;
-    for (const auto &[key, value] : parameters(connection)) {
-        QString quoted = value;
-        quoted.replace(QLatin1Char('\\'), QLatin1String("\\\\")).replace(QLatin1Char('\''), QLatin1String("\\'"));
-        pairs << key + QStringLiteral("='") + quoted + QLatin1Char('\'');
-    }
-    return pairs.join(QLatin1Char(';'));
+    return quotedParameters(connection).join(QLatin1Char(';'));
+}
+
+QString serverConnectionTo(const QString &connection, const QString &database)
+{
+    return (quotedParameters(connection, QStringLiteral("dbname")) << QStringLiteral("dbname='%1'").arg(database)).join(QLatin1Char(' '));
 }
 
 QString serverDescription(const QString &connection)

@@ -19,6 +19,8 @@ QString serverConnectOptions(const QString &connection);
 // The server a connection names, for the operator: "the server HOST, port PORT, database DB",
 // with libpq's defaults where the connection leaves a part out.
 QString serverDescription(const QString &connection);
+// CONNECTION's server and role with another database (a plain name), in libpq's key=value form.
+QString serverConnectionTo(const QString &connection, const QString &database);
 
 // The server's message of a failed statement as the system says it: a text that is no number
 // where a number must stand is "Data type mismatch in criteria expression.", a number beyond its
