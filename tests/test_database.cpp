@@ -10,6 +10,8 @@
 #include "widgets/grid.h"
 
 #include <QProcess>
+#include <QRegularExpression>
+#include <QSettings>
 #include <QSignalSpy>
 #include <cmath>
 #include <limits>
@@ -97,6 +99,33 @@ private slots:
         }
         QVERIFY2(checkShopFile(empty, CheckDepth::Full).clean(), qPrintable(checkShopFile(empty, CheckDepth::Full).text()));
         QVERIFY(test::errorOf([&] { backups.restore(taken, QDateTime::currentDateTime()); }).endsWith(": the database is not empty; a backup is restored only into an empty one"));
+    }
+
+    // The counters' role works the books (a line, its log entry under the counter's name) and can
+    // neither change the schema, switch off a trigger, nor write or rewrite the log by hand.
+    void aCountersRoleWorksTheBooksAndNoMore()
+    {
+        if (test::testServer().isEmpty())
+            QSKIP("no test server (VANTREL_TEST_SERVER)");
+        test::TestShop shop(test::TestShop::Filled);
+        const QString role = QStringLiteral("till_%1").arg(QCoreApplication::applicationPid());
+        shop.exec("create role " + role + " login");
+        QVERIFY(test::errorOf([&] { grantCounters(shop.books(), "nobody_here"); }).endsWith(": role \"nobody_here\" does not exist"));
+        grantCounters(shop.books(), role);
+        {
+            QSettings().setValue("books/counter", "till 2");
+            Database till(QString(shop.books()).replace("vantrel@", role + "@"));
+            till.execute("insert into sales(invoice, prodname, qty, rate, amount, trans) values ('9', 'PANADOL', '2', '5', '10', 'C')");
+            QCOMPARE(till.query("select source, action, tab from editlog order by id desc limit 1").text("source"), QStringLiteral("till 2"));
+            QCOMPARE(till.query("select count(*) as n from receipt").text("n"), QStringLiteral("2"));
+            for (const char *refused : {"alter table sales disable trigger sales_log", "drop table stock", "create table mine(a int)",
+                                        "insert into editlog(tab, action) values ('', 'start')", "update editlog set source = 'x'",
+                                        "drop function sales_log() cascade", "alter table editlog disable trigger editlog_kept"})
+                QVERIFY2(test::errorOf([&] { till.execute(refused); }).contains(QRegularExpression("must be owner|permission denied")), refused);
+        }
+        QSettings().setValue("books/counter", "program");
+        shop.exec("drop owned by " + role);
+        shop.exec("drop role " + role);
     }
 
     // In a directory with blanks and URI characters: a missing file is not created; no database, a

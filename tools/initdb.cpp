@@ -4,6 +4,8 @@
 // CONNECTION names (libpq's forms: postgresql://user@host:port/db, service=NAME), empty or holding
 // every row of the shop's FILE, the move proven by the tables' counts and totals; refuses a
 // database that holds anything.
+// vantrel-initdb CONNECTION --counters ROLE: gives ROLE the rights the counters' screens need on
+// the books there (made before, by the books' owner), and no more.
 #include "care/servermove.h"
 #include "data/schema.h"
 #include "data/serverconnection.h"
@@ -16,19 +18,24 @@
 
 int main(int argc, char **argv)
 {
-    const bool moving = argc == 4 && QByteArray(argv[2]) == "--from";
-    if (argc != 2 && !moving) {
-        std::fprintf(stderr, "usage: vantrel-initdb PATH | CONNECTION [--from FILE]\n");
+    const bool moving = argc == 4 && QByteArray(argv[2]) == "--from", granting = argc == 4 && QByteArray(argv[2]) == "--counters";
+    if (argc != 2 && !moving && !granting) {
+        std::fprintf(stderr, "usage: vantrel-initdb PATH | CONNECTION [--from FILE | --counters ROLE]\n");
         return 2;
     }
     QCoreApplication app(argc, argv); // the database drivers are plugins
     const QString target = QString::fromLocal8Bit(argv[1]);
     const bool onServer = vantrel::isServerConnection(target);
-    if (moving && !onServer) {
-        std::fprintf(stderr, "vantrel-initdb: --from moves a file onto a server; %s names no server\n", argv[1]);
+    if ((moving || granting) && !onServer) {
+        std::fprintf(stderr, "vantrel-initdb: %s is for books on a server; %s names no server\n", argv[2], argv[1]);
         return 2;
     }
     try {
+        if (granting) {
+            vantrel::grantCounters(target, QString::fromLocal8Bit(argv[3]));
+            std::printf("vantrel-initdb: %s may now work at the counters on %s\n", argv[3], qPrintable(vantrel::serverDescription(target)));
+            return 0;
+        }
         if (moving) {
             for (const QString &line : vantrel::moveFileToServer(QString::fromLocal8Bit(argv[3]), target))
                 std::printf("vantrel-initdb: %s\n", qPrintable(line));

@@ -3,6 +3,9 @@
 #include "unhandlederror.h"
 
 #include <QRegularExpression>
+#include <QSqlDatabase>
+#include <QSqlDriver>
+#include <QSqlError>
 #include <QStringList>
 #include <cmath>
 #include <libpq-fe.h>
@@ -112,6 +115,24 @@ QVector<bool> serverFigureColumns(const QVariant &resultHandle, int columns)
     for (int i = 0; result && i < columns && i < PQnfields(result); ++i)
         figures[i] = PQftype(result, i) == Text && PQftable(result, i) != InvalidOid;
     return figures;
+}
+
+QString runServerScript(const QSqlDatabase &db, const QString &script)
+{
+    const QVariant handle = db.driver() ? db.driver()->handle() : QVariant();
+    if (qstrcmp(handle.typeName(), "PGconn*") != 0 && qstrcmp(handle.typeName(), "pg_conn*") != 0)
+        return QStringLiteral("the connection is not to a server");
+    PGconn *connection = *static_cast<PGconn *const *>(handle.constData());
+    PGresult *result = PQexec(connection, script.toUtf8().constData());
+    const ExecStatusType status = PQresultStatus(result);
+    QString failure;
+    if (status != PGRES_COMMAND_OK && status != PGRES_TUPLES_OK && status != PGRES_EMPTY_QUERY) {
+        const char *state = PQresultErrorField(result, PG_DIAG_SQLSTATE);
+        failure = serverMessage(QSqlError(QString(), QString::fromUtf8(PQresultErrorMessage(result)), QSqlError::StatementError,
+                                          QString::fromLatin1(state ? state : "")));
+    }
+    PQclear(result);
+    return failure;
 }
 
 QVariant figureValue(const QString &text)

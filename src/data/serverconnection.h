@@ -1,6 +1,8 @@
 #pragma once
 
 #include <QSqlError>
+
+class QSqlDatabase;
 #include <QString>
 #include <QVariant>
 #include <QVector>
@@ -19,6 +21,10 @@ QString serverConnectOptions(const QString &connection);
 // The server a connection names, for the operator: "the server HOST, port PORT, database DB",
 // with libpq's defaults where the connection leaves a part out.
 QString serverDescription(const QString &connection);
+// Runs SCRIPT, statements separated by semicolons, on DB's server connection, stopping at the
+// first that fails (the driver's own exec reports the first statement's outcome alone). Returns
+// that statement's message as serverMessage() says it, or an empty text.
+QString runServerScript(const QSqlDatabase &db, const QString &script);
 // CONNECTION's server and role with another database (a plain name), in libpq's key=value form.
 QString serverConnectionTo(const QString &connection, const QString &database);
 

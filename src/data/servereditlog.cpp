@@ -75,9 +75,12 @@ end )sql")
         .arg(table.name, rowJson(table, QStringLiteral("old.")), rowJson(table, QStringLiteral("new.")));
 }
 
+// A log function runs with its owner's rights, so that a counter writes the log through the
+// triggers alone, and finds the tables in the books' own schema whatever its search path.
 QString functionText(const QString &name, const QString &body)
 {
-    return QStringLiteral("create function %1() returns trigger language plpgsql as $$%2$$;\n").arg(name, body);
+    return QStringLiteral("create function %1() returns trigger language plpgsql security definer set search_path from current as $$%2$$;\n")
+        .arg(name, body);
 }
 
 } // namespace

@@ -253,6 +253,38 @@ QString serverSchemaText()
         + QStringLiteral("create table schemaversion(version integer);\ninsert into schemaversion values(%1);\n").arg(CurrentSchemaVersion);
 }
 
+void grantCounters(const QString &connection, const QString &role)
+{
+    QString quoted = role;
+    quoted = '"' + quoted.replace(QLatin1Char('"'), QLatin1String("\"\"")) + '"';
+    QStringList tables;
+    for (const ServerTable &table : serverTables())
+        tables << table.name;
+    const QString text = QStringLiteral(
+        "begin;\n"
+        "do $$ begin execute format('grant connect on database %I to %s', current_database(), '%3'); end $$;\n"
+        "do $$ begin execute format('grant usage on schema %I to %s', current_schema(), '%3'); end $$;\n"
+        "grant select, insert, update, delete on %2 to %1;\n"
+        "grant select on receipt, editlog, schemaversion to %1;\n"
+        "do $$ begin execute format('grant usage on all sequences in schema %I to %s', current_schema(), '%3'); end $$;\n"
+        "commit;\n").arg(quoted, tables.join(QStringLiteral(", ")), QString(quoted).replace(QLatin1Char('\''), QLatin1String("''")));
+    const QString name = QStringLiteral("vantrel-grant");
+    QString failure;
+    {
+        QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QPSQL"), name);
+        db.setConnectOptions(serverConnectOptions(connection));
+        QSqlQuery query(db);
+        if (!db.open())
+            failure = db.lastError().databaseText().simplified();
+        else if (!(failure = runServerScript(db, text)).isEmpty())
+            query.exec(QStringLiteral("rollback"));
+        db.close();
+    }
+    QSqlDatabase::removeDatabase(name);
+    if (!failure.isEmpty())
+        throw UnhandledError(QStringLiteral("Cannot give %1 the counters' rights on %2: %3").arg(role, serverDescription(connection), failure));
+}
+
 void createServerBooks(const QString &connection, const std::function<void(QSqlQuery &)> &fill, const QString &startWords)
 {
     const QString name = QStringLiteral("vantrel-initdb");
@@ -269,14 +301,14 @@ void createServerBooks(const QString &connection, const std::function<void(QSqlQ
             failure = serverMessage(query.lastError());
         else if (query.value(0).toInt() != 0)
             failure = QStringLiteral("the database is not empty; the books are made only in an empty one");
-        else if (!query.exec(QStringLiteral("begin;\n") + serverSchemaText()))
-            failure = serverMessage(query.lastError());
+        else if (!query.exec(QStringLiteral("begin")) || !(failure = runServerScript(db, serverSchemaText())).isEmpty())
+            failure = failure.isEmpty() ? serverMessage(query.lastError()) : failure;
         else {
             try {
                 if (fill)
                     fill(query);
-                if (!query.exec(serverEditLogText()))
-                    throw UnhandledError(serverMessage(query.lastError()));
+                if (const QString failed = runServerScript(db, serverEditLogText()); !failed.isEmpty())
+                    throw UnhandledError(failed);
                 writeServerStartNote(query, startWords);
                 if (!query.exec(QStringLiteral("commit")))
                     failure = serverMessage(query.lastError());

@@ -53,4 +53,10 @@ QString serverSchemaText();
 void createServerBooks(const QString &connection, const std::function<void(QSqlQuery &)> &fill = {},
                        const QString &startWords = QStringLiteral("New books on the server: the edit log starts with them."));
 
+// Gives ROLE the rights a counter's screens need on the books CONNECTION names, and no more:
+// to read and write the shop's tables, to read the edit log. It cannot change the schema,
+// switch off or drop a trigger (an owner's rights), or write the log but through the triggers.
+// Throws UnhandledError when the role does not exist or the grant is refused.
+void grantCounters(const QString &connection, const QString &role);
+
 } // namespace vantrel
