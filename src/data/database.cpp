@@ -93,6 +93,11 @@ QString Database::openServerConnection(const QString &name, Role role)
     db.setConnectOptions(options);
     if (!db.open())
         return db.lastError().databaseText().trimmed().replace(QLatin1Char('\n'), QLatin1Char(' ')).simplified();
+    return setUpServerSession(db, role);
+}
+
+QString Database::setUpServerSession(const QSqlDatabase &db, Role role)
+{
     static const char orders[] = {'D', 'M', 'Y'};
     const ShortDate form;
     const QString order = QString(QLatin1Char(orders[form.order()[0]])) + QLatin1Char(orders[form.order()[1]]) + QLatin1Char(orders[form.order()[2]]);
@@ -233,6 +238,7 @@ PendingQuery Database::startQuery(const QString &sql)
     pending.m_db = this;
     pending.m_connection = takeReader();
     pending.m_sql = sql;
+    pending.m_connections = m_connections;
     if (m_server)
         pending.openCursor(sent(sql)); // a failure gives the reader back
     else
@@ -336,6 +342,8 @@ const QVector<bool> &PendingQuery::figures(int columns) const
 
 bool PendingQuery::stepRow(QString &failure)
 {
+    if (m_db && m_db->m_server && m_connections != m_db->m_connections)
+        return false; // its connection was opened afresh: the rows end where they stood
     if (m_db && m_db->m_server) {
         if (m_query.next() || (m_query.size() == PageRows && fetchPage() && m_query.next()))
             return true;
@@ -410,7 +418,33 @@ QString Database::sent(const QString &sql) const
 
 void Database::fail(const QSqlQuery &query) const
 {
+    if (m_server && serverConnectionBroken(query.driver()))
+        throw ServerLost(messageOf(query.lastError()));
     throw UnhandledError(messageOf(query.lastError()));
+}
+
+bool Database::serverLost() const
+{
+    if (!m_server)
+        return false;
+    for (const QString &name : QStringList{m_connectionName} + m_readers)
+        if (serverConnectionBroken(QSqlDatabase::database(name, false).driver()))
+            return true;
+    return false;
+}
+
+QString Database::reconnect()
+{
+    ++m_connections;
+    for (const QString &name : QStringList{m_connectionName} + m_readers) {
+        QSqlDatabase db = QSqlDatabase::database(name, false);
+        db.close();
+        if (!db.open())
+            return serverDescription(m_fileName) + QStringLiteral(": ") + db.lastError().databaseText().simplified();
+        if (const QString failure = setUpServerSession(db, name == m_connectionName ? Writer : Reader); !failure.isEmpty())
+            return serverDescription(m_fileName) + QStringLiteral(": ") + failure;
+    }
+    return {};
 }
 
 QString Database::messageOf(const QSqlError &error) const

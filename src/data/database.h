@@ -59,6 +59,7 @@ private:
     QString m_connection;
     QString m_sql;
     QSqlQuery m_query;
+    int m_connections = 0; // the database's connections it was opened on
     mutable QVector<bool> m_figures;
 };
 
@@ -106,6 +107,12 @@ public:
     // same columns and errors, in a form the engine runs fast (see engineForm() and serverForm()).
     QString engineText(const QString &sql) const;
 
+    // Opens every connection to the server afresh, after it was lost (ServerLost); the grids'
+    // queries then end where they stood. Returns why the server cannot be reached, or an empty text.
+    QString reconnect();
+    // Whether a connection to the server is broken (a grid's reading failed for that).
+    bool serverLost() const;
+
     // The database's own message of a failed statement, as the unhandled-error box shows it.
     static QString engineMessage(const QSqlError &error);
     QString messageOf(const QSqlError &error) const;
@@ -115,6 +122,7 @@ private:
     enum Role { Writer, Reader };
     QString openConnection(const QString &name, Role role); // empty when open, else the reason
     QString openServerConnection(const QString &name, Role role);
+    QString setUpServerSession(const QSqlDatabase &db, Role role);
     QSqlQuery forwardQuery(const QString &connection, const QString &sql);
     Recordset readAll(const QString &connection, const QString &sql);
     QString takeReader();
@@ -129,6 +137,7 @@ private:
     QStringList m_readers;      // every reading connection, in use or not
     QStringList m_spareReaders; // those that no pending query holds
     std::function<void(const QString &)> m_observer;
+    int m_connections = 0; // how often the server's connections were opened afresh
 };
 
 } // namespace vantrel

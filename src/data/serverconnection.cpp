@@ -117,6 +117,15 @@ QVector<bool> serverFigureColumns(const QVariant &resultHandle, int columns)
     return figures;
 }
 
+bool serverConnectionBroken(const QSqlDriver *driver)
+{
+    const QVariant handle = driver ? driver->handle() : QVariant();
+    if (qstrcmp(handle.typeName(), "PGconn*") != 0 && qstrcmp(handle.typeName(), "pg_conn*") != 0)
+        return false;
+    PGconn *connection = *static_cast<PGconn *const *>(handle.constData());
+    return !connection || PQstatus(connection) == CONNECTION_BAD;
+}
+
 QString runServerScript(const QSqlDatabase &db, const QString &script)
 {
     const QVariant handle = db.driver() ? db.driver()->handle() : QVariant();

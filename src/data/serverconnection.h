@@ -3,6 +3,7 @@
 #include <QSqlError>
 
 class QSqlDatabase;
+class QSqlDriver;
 #include <QString>
 #include <QVariant>
 #include <QVector>
@@ -25,6 +26,8 @@ QString serverDescription(const QString &connection);
 // first that fails (the driver's own exec reports the first statement's outcome alone). Returns
 // that statement's message as serverMessage() says it, or an empty text.
 QString runServerScript(const QSqlDatabase &db, const QString &script);
+// Whether DRIVER's connection to the server is broken (the server gone, or the connection ended).
+bool serverConnectionBroken(const QSqlDriver *driver);
 // CONNECTION's server and role with another database (a plain name), in libpq's key=value form.
 QString serverConnectionTo(const QString &connection, const QString &database);
 

@@ -18,4 +18,12 @@ private:
     QString m_message;
 };
 
+// The connection to the books' server was lost in the middle of a statement: the action ends
+// there, as it would on any error, but the program need not: Database::reconnect() brings the
+// books back once the server answers again.
+class ServerLost : public UnhandledError {
+public:
+    using UnhandledError::UnhandledError;
+};
+
 } // namespace vantrel

@@ -1,5 +1,6 @@
 #include "screen.h"
 
+#include "data/database.h"
 #include "data/programsettings.h"
 #include "data/unhandlederror.h"
 #include "dialogs.h"
@@ -23,10 +24,28 @@ Screen::Screen(Services &services, const QString &caption, QWidget *parent) : QW
     setAccessibleName(caption);
 }
 
+void Screen::waitForServer(QString message)
+{
+    for (;;) {
+        if (!dialogs().ask(QStringLiteral("The books' server stopped answering: %1\n\nThe action was cut off there. What was saved before it "
+                                          "stays saved; vantrel-check names what it left half done. Check that the server is running and "
+                                          "that this computer can reach it. Try again?")
+                               .arg(message))) {
+            m_services.unhandledError(message);
+            return;
+        }
+        message = db().reconnect();
+        if (message.isEmpty())
+            return;
+    }
+}
+
 void Screen::guard(const std::function<void()> &action)
 {
     try {
         action();
+    } catch (const ServerLost &lost) {
+        waitForServer(lost.message());
     } catch (const UnhandledError &error) {
         m_services.unhandledError(error.message());
     } catch (const std::exception &error) {
@@ -118,7 +137,12 @@ QComboBox *Screen::addChoice(QFormLayout *form, const QString &label)
 Grid *Screen::makeGrid(const QString &accessibleName, QWidget *parent)
 {
     auto *grid = new Grid(accessibleName, parent ? parent : this);
-    connect(grid, &Grid::readFailed, this, [this](const QString &message) { m_services.unhandledError(message); });
+    connect(grid, &Grid::readFailed, this, [this](const QString &message) {
+        if (db().serverLost())
+            waitForServer(message);
+        else
+            m_services.unhandledError(message);
+    });
     return grid;
 }
 

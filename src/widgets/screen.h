@@ -31,6 +31,9 @@ public:
 
     // Runs one action of the screen; never lets an exception out.
     void guard(const std::function<void()> &action);
+    // The books' server was lost (MESSAGE says how): the operator is told and asked to try again
+    // until the connections are back, or to end the program.
+    void waitForServer(QString message);
 
     // Unloads the screen (its window is closed and deleted).
     void closeScreen();

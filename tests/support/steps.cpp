@@ -83,7 +83,8 @@ void StepDesk::run(const QString &steps)
             QTest::qFail(qPrintable(missing), __FILE__, __LINE__);
         }
         // An action that ended the program is followed by the step that says so.
-        const bool ended = !shop.unhandledErrors.isEmpty() && !(i + 1 < lines.size() && lines[i + 1].startsWith("ended "));
+        static const QRegularExpression saysEnded(QStringLiteral("^((file|server) )?ended "));
+        const bool ended = !shop.unhandledErrors.isEmpty() && !(i + 1 < lines.size() && saysEnded.match(lines[i + 1]).hasMatch());
         if (ended && mayEnd)
             return;
         if (ended && !QTest::currentTestFailed())
@@ -104,6 +105,8 @@ void StepDesk::show()
         static const QRegularExpression write(QStringLiteral("^\\s*(insert|update|delete)\\b"), QRegularExpression::CaseInsensitiveOption);
         if (m_cut >= 0 && write.match(sql).hasMatch() && m_cut-- == 0)
             throw UnhandledError(QStringLiteral("cut off"));
+        if (m_lose >= 0 && write.match(sql).hasMatch() && m_lose-- == 0)
+            shop.endServerConnections(); // the statement then finds its connection gone
     });
 }
 
@@ -458,6 +461,8 @@ void StepDesk::step(const QString &verb, const QString &argument)
         }
     } else if (verb == "cut") {
         m_cut = argument.toInt();
+    } else if (verb == "lose") {
+        m_lose = argument.toInt();
     } else if (verb == "lock") {
         m_lock = std::make_unique<SqliteFile>(shop.file(), SqliteFile::Access::ReadWrite);
         m_lock->execute(QStringLiteral("begin immediate"));

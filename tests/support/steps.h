@@ -79,6 +79,7 @@ private:
     QWidget *m_screen = nullptr;
     int m_said = 0;
     int m_cut = -1; // writes still to go before the cut, or none
+    int m_lose = -1; // writes still to go before the server's connections are ended, or none
     std::unique_ptr<SqliteFile> m_lock; // another program's hold on the file
     Snapshot m_before;
     MainWindow *m_window = &window; // the window the steps act in

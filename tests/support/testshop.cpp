@@ -178,6 +178,11 @@ void failOn(const QString &sql, const QString &error)
 
 } // namespace
 
+void TestShop::endServerConnections()
+{
+    onServer(QStringLiteral("select pg_terminate_backend(pid) from pg_stat_activity where datname = '%1' and pid <> pg_backend_pid()").arg(m_serverDatabase));
+}
+
 void TestShop::exec(const QString &sql)
 {
     failOn(sql, errorOf([&] { m_db->execute(sql); }));

@@ -83,6 +83,9 @@ public:
 
     // Runs a statement; a failure fails the test, naming the statement and the database's error.
     void exec(const QString &sql);
+    // Ends every connection of the program's to the shop's books on the test server, as a server
+    // restart would.
+    void endServerConnections();
     // Every row of a query, each field as the screens show it.
     QList<QStringList> rows(const QString &sql);
 
