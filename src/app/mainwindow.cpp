@@ -85,7 +85,6 @@ void MainWindow::buildMenus(bool readOnly)
             QAction *action = qmenu->addAction(QString::fromLatin1(entry.caption));
             const QString name = QString::fromLatin1(entry.name);
             action->setObjectName(name);
-            action->setEnabled(!(entry.fileOnly && m_services.db.onServer()));
             if (entry.shortcut) {
                 action->setShortcut(QKeySequence(QLatin1String(entry.shortcut)));
                 addAction(action); // its key works wherever the keyboard is in the window, menu closed

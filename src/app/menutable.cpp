@@ -64,7 +64,7 @@ const QVector<Menu> &menuTable()
         {"stk", "Stock", {opens<StockScreen>("stksum", "Stock Summary").readingOnly()}},
         // Added after the system's own menus.
         {"tools", "Tools",
-         {runs("closeyear", "Close Year...", closeYearCommand).onTheFileOnly(), runs("pastyear", "Past Year...", pastYearCommand).onTheFileOnly(),
+         {runs("closeyear", "Close Year...", closeYearCommand), runs("pastyear", "Past Year...", pastYearCommand),
           opens<EditLogScreen>("editlog", "Edit Log").readingOnly(),
           runs("exportxlsx", "Export to Excel", exportToWorkbookCommand).readingOnly().withKey("F12"),
           runs("exportcsv", "Export to CSV", exportToCsvCommand).readingOnly().withKey("Shift+F12"),

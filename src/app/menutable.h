@@ -21,20 +21,12 @@ struct MenuEntry {
     MenuCommand run = nullptr;      // instead of a screen
     bool readsOnly = false;         // offered for a closed year too
     const char *shortcut = nullptr; // a key of its own ("F12"); the system's entries have none
-    bool fileOnly = false;          // offered only while the books are the file
 
     // The entry offered in a closed year's window too: what it does only reads.
     MenuEntry readingOnly() const
     {
         MenuEntry entry = *this;
         entry.readsOnly = true;
-        return entry;
-    }
-    // The entry that works on the shop's file alone (not yet on a server's books).
-    MenuEntry onTheFileOnly() const
-    {
-        MenuEntry entry = *this;
-        entry.fileOnly = true;
         return entry;
     }
     // The entry with a key of its own.

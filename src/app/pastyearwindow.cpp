@@ -1,11 +1,12 @@
 #include "pastyearwindow.h"
 
+#include "care/closedyears.h"
 #include "mainwindow.h"
 
 namespace vantrel {
 
 PastYear::PastYear(const QString &name, const QString &file, Services &current, MainWindow &owner)
-    : m_db(QStringLiteral("Data Source=%1;").arg(file), Database::Access::ReadOnly),
+    : m_db(yearBooks(current.db.fileName(), file), Database::Access::ReadOnly),
       m_services{m_db, current.dialogs, current.clock, current.programDirectory, current.unhandledError, {}, {}, {}},
       m_window(new MainWindow(m_services, name, &owner))
 {

@@ -1,7 +1,7 @@
 #include "booksreader.h"
 
 #include "data/serverconnection.h"
-#include "serverreader.h"
+#include "serversession.h"
 #include "sqlitefile.h"
 
 namespace vantrel {
@@ -29,7 +29,7 @@ double BooksReader::number(const QString &sql)
 std::unique_ptr<BooksReader> openBooksReader(const QString &connection)
 {
     if (isServerConnection(connection))
-        return std::make_unique<ServerReader>(connection);
+        return std::make_unique<ServerSession>(connection);
     return std::make_unique<SqliteFile>(connection, SqliteFile::Access::ReadOnly);
 }
 

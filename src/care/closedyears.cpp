@@ -1,5 +1,6 @@
 #include "closedyears.h"
 
+#include "data/serverconnection.h"
 #include "data/unhandlederror.h"
 #include "sqlitefile.h"
 
@@ -22,11 +23,26 @@ void removeUnfinished(const QString &path)
 QList<QPair<QString, QString>> closedYears(const QString &database)
 {
     QList<QPair<QString, QString>> years;
+    const bool server = isServerConnection(database);
     const QDir beside = QFileInfo(database).absoluteDir();
-    SqliteFile file(database, SqliteFile::Access::ReadOnly);
-    file.eachRow(QStringLiteral("select name, file from closedyears order by rowid"),
-                 [&](const BookRow &row) { years << qMakePair(row.text(0), beside.filePath(row.text(1))); });
+    openBooksReader(database)->eachRow(QStringLiteral("select name, file from closedyears order by rowid"),
+                                       [&](const BookRow &row) { years << qMakePair(row.text(0), server ? row.text(1) : beside.filePath(row.text(1))); });
     return years;
+}
+
+QString yearSchema(const QString &name)
+{
+    return QStringLiteral("year_") + QString(name).replace(QLatin1Char('-'), QLatin1Char('_'));
+}
+
+QString yearPlaceShown(const QString &database, const QString &place)
+{
+    return isServerConnection(database) ? QStringLiteral("%1 on %2").arg(place, serverDescription(database)) : QDir::toNativeSeparators(place);
+}
+
+QString yearBooks(const QString &database, const QString &place)
+{
+    return isServerConnection(database) ? serverConnectionInSchema(database, place) : QStringLiteral("Data Source=%1;").arg(place);
 }
 
 void finishInterruptedClose(const QString &database)

@@ -3,7 +3,7 @@
 #include "data/serverconnection.h"
 #include "data/serverschema.h"
 #include "data/unhandlederror.h"
-#include "serverreader.h"
+#include "serversession.h"
 #include "shopcheck.h"
 
 #include <QCoreApplication>
@@ -54,7 +54,7 @@ void withScratchDatabase(const QString &connection, const std::function<void(con
 {
     static int made = 0;
     const QString name = QStringLiteral("vantrel_readback_%1_%2").arg(QCoreApplication::applicationPid()).arg(++made);
-    ServerReader admin(connection, ServerReader::Mode::Statements);
+    ServerSession admin(connection, ServerSession::Mode::Statements);
     admin.run("create database " + name);
     try {
         use(serverConnectionTo(connection, name));
@@ -72,7 +72,7 @@ void readBack(const QString &connection, const QString &backup, const QStringLis
         runTool(QStringLiteral("pg_restore"), {QStringLiteral("--exit-on-error"), QStringLiteral("--single-transaction"), QStringLiteral("--no-owner"),
                                                QStringLiteral("--no-acl"), QStringLiteral("--dbname=") + scratch, backup},
                 QStringLiteral("the copy cannot be read back"));
-        ServerReader copy(scratch);
+        ServerSession copy(scratch);
         const QStringList found = contents(copy);
         if (found != expected)
             throw UnhandledError(QStringLiteral("the copy read back holds %1 where the books held %2").arg(found.join(QLatin1String(", ")), expected.join(QLatin1String(", "))));
@@ -86,7 +86,7 @@ void readBack(const QString &connection, const QString &backup, const QStringLis
 void takeServerBackup(const QString &connection, const QString &path)
 {
     try {
-        ServerReader books(connection);
+        ServerSession books(connection);
         const QStringList expected = contents(books);
         const QString snapshot = books.firstColumn(QStringLiteral("select pg_export_snapshot()")).value(0);
         QFile file(path);
@@ -107,7 +107,7 @@ void restoreServerBackup(const QString &backup, const QString &connection)
 {
     try {
         {
-            ServerReader target(connection);
+            ServerSession target(connection);
             if (target.number(QStringLiteral("select count(*) from pg_class c join pg_namespace n on n.oid = c.relnamespace "
                                              "where n.nspname = current_schema()"))
                 > 0)

@@ -1,6 +1,8 @@
 #include "yearclose.h"
 
 #include "care/backups.h"
+#include "care/serveryearclose.h"
+#include "data/serverconnection.h"
 #include "care/shopcheck.h"
 #include "care/sqlitefile.h"
 #include "care/unreadabledates.h"
@@ -30,9 +32,13 @@ QString cutOffProblem(const QString &database, const FinancialYear &year, const 
     const QString name = year.nameOf(cutOff);
     for (const auto &[closed, file] : closedYears(database))
         if (closed.left(7) >= name)
-            return QStringLiteral("The year %1 is closed already, its books kept in %2.").arg(closed, QDir::toNativeSeparators(file));
-    if (const QString file = QDir(yearsFolder(database)).filePath(name + QStringLiteral(".accdb")); QFileInfo::exists(file))
+            return QStringLiteral("The year %1 is closed already, its books kept in %2.").arg(closed, yearPlaceShown(database, file));
+    if (isServerConnection(database)) {
+        if (openBooksReader(database)->number(QStringLiteral("select count(*) from pg_namespace where nspname = '%1'").arg(yearSchema(name))) > 0)
+            return QStringLiteral("%1 is there already; move it away first.").arg(yearPlaceShown(database, yearSchema(name)));
+    } else if (const QString file = QDir(yearsFolder(database)).filePath(name + QStringLiteral(".accdb")); QFileInfo::exists(file)) {
         return QStringLiteral("%1 is there already; move it away first.").arg(QDir::toNativeSeparators(file));
+    }
     return QString();
 }
 
@@ -93,31 +99,34 @@ YearClosePlan planYearClose(const QString &database, const FinancialYear &year, 
     YearClosePlan plan;
     plan.cutOff = cutOff;
     plan.name = year.nameOf(cutOff);
-    plan.yearFile = QDir(yearsFolder(database)).filePath(plan.name + QStringLiteral(".accdb"));
+    const bool server = isServerConnection(database);
+    plan.yearFile = server ? yearPlaceShown(database, yearSchema(plan.name)) : QDir(yearsFolder(database)).filePath(plan.name + QStringLiteral(".accdb"));
     plan.cutOffProblem = cutOffProblem(database, year, cutOff, today);
     if (!plan.cutOffProblem.isEmpty())
         return plan;
     {
-        SqliteFile file(database, SqliteFile::Access::ReadOnly);
+        const std::unique_ptr<BooksReader> books = openBooksReader(database);
+        BooksReader &file = *books;
         for (const UnreadableDate &row : unreadableDates(file))
             plan.unreadable << QStringLiteral("%1: date '%2'").arg(row.document, row.date);
         if (!plan.unreadable.isEmpty())
             return plan;
-        registerSqlFunctions(file.handle(), ShortDate());
-        const CutOff cut(cutOff);
+        if (auto *sqlite = dynamic_cast<SqliteFile *>(books.get()))
+            registerSqlFunctions(sqlite->handle(), ShortDate());
+        const CutOff cut(cutOff, server);
         const auto count = [&file](const QString &sql) { return int(file.number(sql)); };
         const auto counts = [&](const QString &rows, int &closing, int &staying) {
             staying = count("select count(*) from " + rows + " and " + cut.after());
             closing = count("select count(*) from " + rows + " and not " + cut.after());
         };
-        counts(QStringLiteral("salesmain where 1"), plan.invoices, plan.invoicesStaying);
-        counts(QStringLiteral("purchasemain where 1"), plan.vouchers, plan.vouchersStaying);
+        counts(QStringLiteral("salesmain where 1 = 1"), plan.invoices, plan.invoicesStaying);
+        counts(QStringLiteral("purchasemain where 1 = 1"), plan.vouchers, plan.vouchersStaying);
         counts(QStringLiteral("ledger where type='receipt'"), plan.receipts, plan.receiptsStaying);
         counts(QStringLiteral("ledger where type='payment'"), plan.payments, plan.paymentsStaying);
         plan.lots = count(QStringLiteral("select count(*) from stock"));
         plan.accounts = count("select count(distinct coalesce(ac, '')) from ledger where not " + cut.after());
-        const float credit = toSingle(file.number("select sum(credit) from ledger where type='receipt' and not " + cut.after()));
-        const float debit = toSingle(file.number("select sum(debit) from ledger where type='payment' and not " + cut.after()));
+        const float credit = toSingle(file.number("select sum(" + cut.figure(QStringLiteral("credit")) + ") from ledger where type='receipt' and not " + cut.after()));
+        const float debit = toSingle(file.number("select sum(" + cut.figure(QStringLiteral("debit")) + ") from ledger where type='payment' and not " + cut.after()));
         plan.balance = singleText(toSingle(credit <= debit ? double(debit) - double(credit) : double(credit) - double(debit)));
         file.eachRow("select 'sales invoice ' || invoice || ' (' || trans || ') of ' || party from sales where status='u' and not "
                          + cut.salesLine() + " union select 'purchase voucher ' || pono || ' (' || trans || ') of ' || party from purchase "
@@ -138,6 +147,8 @@ void closeYear(const QString &database, const YearClosePlan &plan, const QDateTi
     };
     if (!plan.possible())
         throw UnhandledError(plan.refusal());
+    if (isServerConnection(database))
+        return closeServerYear(database, plan, now, done);
     finishInterruptedClose(database);
     Backups(database, QFileInfo(database).absoluteDir().filePath(QStringLiteral("backups"))).take(now);
     done(20);

@@ -17,32 +17,35 @@ namespace {
 
 const char *const Opening = "OPENING BALANCE";
 
+
 // An amount as an operator types it: rounded to the paisa, in its shortest text; null stays null.
 QString paisa(const BookRow &row, int column)
 {
     return row.isNull(column) ? QStringLiteral("null") : doubleText(std::round(row.number(column) * 100) / 100);
 }
 
-// The ledger's opening rows for what closes: one receipt per receiving account carrying its
-// receipts, one payment carrying the payments, and per account an "opening" row with its
-// receipts and payments; every amount to the paisa, each with the overall balance at the cut-off.
-QStringList openingRows(SqliteFile &file, const CutOff &cut, const YearClosePlan &plan)
+} // namespace
+
+QStringList openingRows(BooksReader &file, const CutOff &cut, const YearClosePlan &plan)
 {
     QStringList rows;
     const QString closing = "not " + cut.after(), opening = sqlLiteral(QLatin1String(Opening)), date = sqlLiteral(plan.openingDate()),
                   balance = sqlLiteral(plan.balance);
     const auto name = [](const BookRow &row, int column) { return row.isNull(column) ? QStringLiteral("null") : sqlLiteral(row.text(column)); };
-    file.eachRow("select accnm, sum(credit) from ledger where type='receipt' and " + closing + " group by accnm", [&](const BookRow &row) {
+    const QString credit = cut.figure(QStringLiteral("credit")), debit = cut.figure(QStringLiteral("debit"));
+    file.eachRow("select accnm, sum(" + credit + ") from ledger where type='receipt' and " + closing + " group by accnm", [&](const BookRow &row) {
         rows << QStringLiteral("(0,%1,%2,%3,null,%4,'receipt',%5)").arg(date, opening, paisa(row, 1), name(row, 0), balance);
     });
-    file.eachRow("select sum(debit) from ledger where type='payment' and " + closing + " having count(*) > 0", [&](const BookRow &row) {
+    file.eachRow("select sum(" + debit + ") from ledger where type='payment' and " + closing + " having count(*) > 0", [&](const BookRow &row) {
         rows << QStringLiteral("(0,%1,%2,null,%3,null,'payment',%4)").arg(date, opening, paisa(row, 0), balance);
     });
-    file.eachRow("select ac, sum(credit), sum(debit) from ledger where " + closing + " group by ac", [&](const BookRow &row) {
+    file.eachRow("select ac, sum(" + credit + "), sum(" + debit + ") from ledger where " + closing + " group by ac", [&](const BookRow &row) {
         rows << QStringLiteral("(0,%1,%2,%3,%4,null,'opening',%5)").arg(date, name(row, 0), paisa(row, 1), paisa(row, 2), balance);
     });
     return rows;
 }
+
+namespace {
 
 // The new contents: the documents up to the cut-off gone, every stock lot as it stands, the
 // ledger's closing rows replaced by opening rows that carry every figure the screens compute.

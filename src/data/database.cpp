@@ -98,12 +98,7 @@ QString Database::openServerConnection(const QString &name, Role role)
 
 QString Database::setUpServerSession(const QSqlDatabase &db, Role role)
 {
-    static const char orders[] = {'D', 'M', 'Y'};
-    const ShortDate form;
-    const QString order = QString(QLatin1Char(orders[form.order()[0]])) + QLatin1Char(orders[form.order()[1]]) + QLatin1Char(orders[form.order()[2]]);
-    // The edit log's entries carry this counter's name and its local time.
-    QStringList setup = {QStringLiteral("set extra_float_digits = 1"), QStringLiteral("set vantrel.date_order = '%1'").arg(order),
-                         QStringLiteral("set vantrel.counter = %1").arg(sqlLiteral(ProgramSettings::read().counter()))};
+    QStringList setup = serverSessionSetup();
     if (role == Reader || m_access == Access::ReadOnly)
         setup << QStringLiteral("set default_transaction_read_only = on");
     // A grid's cursor is planned as its statement alone would be: for every row, not for the

@@ -1,5 +1,7 @@
 #include "serverconnection.h"
 
+#include "programsettings.h"
+#include "shortdate.h"
 #include "unhandlederror.h"
 
 #include <QRegularExpression>
@@ -61,6 +63,23 @@ QString serverConnectOptions(const QString &connection)
 QString serverConnectionTo(const QString &connection, const QString &database)
 {
     return (quotedParameters(connection, QStringLiteral("dbname")) << QStringLiteral("dbname='%1'").arg(database)).join(QLatin1Char(' '));
+}
+
+QStringList serverSessionSetup()
+{
+    static const char orders[] = {'D', 'M', 'Y'};
+    const ShortDate form;
+    const QString order = QString(QLatin1Char(orders[form.order()[0]])) + QLatin1Char(orders[form.order()[1]]) + QLatin1Char(orders[form.order()[2]]);
+    QString counter = ProgramSettings::read().counter();
+    counter.replace(QLatin1Char('\''), QLatin1String("''"));
+    return {QStringLiteral("set extra_float_digits = 1"), QStringLiteral("set vantrel.date_order = '%1'").arg(order),
+            QStringLiteral("set vantrel.counter = '%1'").arg(counter)};
+}
+
+QString serverConnectionInSchema(const QString &connection, const QString &schema)
+{
+    return (quotedParameters(connection, QStringLiteral("options")) << QStringLiteral("options='-c search_path=%1,public'").arg(schema))
+        .join(QLatin1Char(' '));
 }
 
 QString serverDescription(const QString &connection)

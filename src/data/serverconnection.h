@@ -5,6 +5,7 @@
 class QSqlDatabase;
 class QSqlDriver;
 #include <QString>
+#include <QStringList>
 #include <QVariant>
 #include <QVector>
 
@@ -26,6 +27,11 @@ QString serverDescription(const QString &connection);
 // first that fails (the driver's own exec reports the first statement's outcome alone). Returns
 // that statement's message as serverMessage() says it, or an empty text.
 QString runServerScript(const QSqlDatabase &db, const QString &script);
+// The settings every session of the program's on the server starts with: figures in their
+// shortest exact text, the short date's order for cdate, and the counter's name for the edit log.
+QStringList serverSessionSetup();
+// CONNECTION with its tables found first in SCHEMA (a plain name), then in the books' own.
+QString serverConnectionInSchema(const QString &connection, const QString &schema);
 // Whether DRIVER's connection to the server is broken (the server gone, or the connection ended).
 bool serverConnectionBroken(const QSqlDriver *driver);
 // CONNECTION's server and role with another database (a plain name), in libpq's key=value form.

@@ -131,7 +131,7 @@ QString serverRowsAsLoggedText(const ServerTable &table)
     return QStringLiteral("select rowid, %1 from %2 order by rowid").arg(rowJson(table, QString()), table.name);
 }
 
-void writeServerStartNote(QSqlQuery &query, const QString &words)
+void writeServerStartNote(QSqlQuery &query, const QString &words, const QString &previousYearHash)
 {
     const auto run = [&query](const QString &sql) {
         if (!query.exec(sql))
@@ -154,7 +154,9 @@ void writeServerStartNote(QSqlQuery &query, const QString &words)
         run(QStringLiteral("close vantrel_digest"));
         digests.insert(table.name, QString::fromLatin1(hash.result().toHex()));
     }
-    const QJsonObject note{{QStringLiteral("note"), words}, {QStringLiteral("tables"), digests}};
+    QJsonObject note{{QStringLiteral("note"), words}, {QStringLiteral("tables"), digests}};
+    if (!previousYearHash.isEmpty())
+        note.insert(QStringLiteral("closedYearLastHash"), previousYearHash);
     query.prepare(QStringLiteral("insert into editlog(tab, rid, action, old, new) values ('', null, 'start', null, ?)"));
     query.addBindValue(QString::fromUtf8(QJsonDocument(note).toJson(QJsonDocument::Compact)));
     if (!query.exec())

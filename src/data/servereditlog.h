@@ -43,7 +43,7 @@ QString serverRowsAsLoggedText(const ServerTable &table);
 
 // Writes the log's start note on the server through QUERY (inside the transaction that made the
 // books): the digests of every table as it stands and the note's WORDS; a log moved from a file
-// goes on in the same chain.
-void writeServerStartNote(QSqlQuery &query, const QString &words);
+// goes on in the same chain; after a year's close it names the hash the year's log ends on.
+void writeServerStartNote(QSqlQuery &query, const QString &words, const QString &previousYearHash = QString());
 
 } // namespace vantrel

@@ -249,6 +249,9 @@ QString serverSchemaText()
     for (const QString &line : QString::fromLatin1(schemaText()).split(QLatin1Char('\n')))
         if (line.startsWith(QLatin1String("create index ")))
             text += line + QLatin1Char('\n');
+    // The closed years, each kept in a schema of its own that the year's close makes.
+    text += QStringLiteral("create table closedyears(name citext collate \"C\", closed citext collate \"C\", file citext collate \"C\", "
+                           "rowid bigint generated always as identity primary key);\n");
     return text + QString::fromLatin1(viewText()) + serverEditLogTableText()
         + QStringLiteral("create table schemaversion(version integer);\ninsert into schemaversion values(%1);\n").arg(CurrentSchemaVersion);
 }
@@ -265,7 +268,10 @@ void grantCounters(const QString &connection, const QString &role)
         "do $$ begin execute format('grant connect on database %I to %s', current_database(), '%3'); end $$;\n"
         "do $$ begin execute format('grant usage on schema %I to %s', current_schema(), '%3'); end $$;\n"
         "grant select, insert, update, delete on %2 to %1;\n"
-        "grant select on receipt, editlog, schemaversion to %1;\n"
+        "grant select on receipt, editlog, schemaversion, closedyears to %1;\n"
+        "do $$ declare s text; begin for s in select file from closedyears loop "
+        "execute format('grant usage on schema %I to %s', s, '%3'); execute format('grant select on all tables in schema %I to %s', s, '%3'); "
+        "end loop; end $$;\n"
         "do $$ begin execute format('grant usage on all sequences in schema %I to %s', current_schema(), '%3'); end $$;\n"
         "commit;\n").arg(quoted, tables.join(QStringLiteral(", ")), QString(quoted).replace(QLatin1Char('\''), QLatin1String("''")));
     const QString name = QStringLiteral("vantrel-grant");

@@ -1,4 +1,4 @@
-#include "serverreader.h"
+#include "serversession.h"
 
 #include "data/serverconnection.h"
 #include "data/unhandlederror.h"
@@ -19,7 +19,7 @@ const int PageRows = 1000;
 
 class ServerRows : public BookRows {
 public:
-    ServerRows(const ServerReader &reader, const QString &cursor, const QString &sql)
+    ServerRows(const ServerSession &reader, const QString &cursor, const QString &sql)
         : m_reader(reader), m_page(QSqlDatabase::database(reader.connectionName(), false)), m_cursor(cursor), m_sql(sql)
     {
         // Each page read whole (a forward-only query streams its rows and is lost when another runs).
@@ -64,7 +64,7 @@ private:
             m_reader.fail(m_sql, serverMessage(m_page.lastError()));
     }
 
-    const ServerReader &m_reader;
+    const ServerSession &m_reader;
     QSqlQuery m_page;
     QString m_cursor, m_sql;
     bool m_done = false;
@@ -72,7 +72,7 @@ private:
 
 } // namespace
 
-ServerReader::ServerReader(const QString &connection, Mode mode) : m_connection(connection)
+ServerSession::ServerSession(const QString &connection, Mode mode) : m_connection(connection)
 {
     static int readers = 0;
     m_name = QStringLiteral("vantrel-reader-%1").arg(++readers);
@@ -85,7 +85,7 @@ ServerReader::ServerReader(const QString &connection, Mode mode) : m_connection(
             action = QStringLiteral("cannot open them");
             failure = db.lastError().databaseText().simplified();
         }
-        QStringList statements{QStringLiteral("set extra_float_digits = 1")};
+        QStringList statements = serverSessionSetup();
         if (mode == Mode::Snapshot)
             statements << QStringLiteral("begin isolation level repeatable read read only");
         for (const QString &statement : statements)
@@ -100,7 +100,7 @@ ServerReader::ServerReader(const QString &connection, Mode mode) : m_connection(
     }
 }
 
-ServerReader::~ServerReader()
+ServerSession::~ServerSession()
 {
     {
         QSqlDatabase db = QSqlDatabase::database(m_name, false);
@@ -110,19 +110,19 @@ ServerReader::~ServerReader()
     QSqlDatabase::removeDatabase(m_name);
 }
 
-std::unique_ptr<BookRows> ServerReader::rows(const QString &sql)
+std::unique_ptr<BookRows> ServerSession::rows(const QString &sql)
 {
     return std::make_unique<ServerRows>(*this, QStringLiteral("vantrel_read_%1").arg(++m_cursors), sql);
 }
 
-void ServerReader::run(const QString &sql)
+void ServerSession::run(const QString &sql)
 {
     QSqlQuery query(QSqlDatabase::database(m_name, false));
     if (!query.exec(sql))
         fail(sql, serverMessage(query.lastError()));
 }
 
-void ServerReader::fail(const QString &action, const QString &message) const
+void ServerSession::fail(const QString &action, const QString &message) const
 {
     throw UnhandledError(QStringLiteral("%1: %2: %3").arg(serverDescription(m_connection), action, message));
 }
