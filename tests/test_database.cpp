@@ -4,6 +4,7 @@
 #include "care/backups.h"
 #include "care/servermove.h"
 #include "care/shopcheck.h"
+#include "data/schema.h"
 #include "data/serverschema.h"
 #include "data/shortdate.h"
 #include "support/testshop.h"
@@ -58,6 +59,10 @@ private slots:
         test::TestShop shop(test::TestShop::Filled);
         QVERIFY(test::errorOf([&] { createServerBooks(shop.books()); }).endsWith(QStringLiteral(": the database is not empty; the books are made only in an empty one")));
         QCOMPARE(shop.rows(QStringLiteral("select count(*) from salesmain")), (QList<QStringList>{{"3"}}));
+        shop.exec(QStringLiteral("update schemaversion set version = version + 1"));
+        QCOMPARE(test::errorOf([&] { Database db(shop.books()); }).section(": ", 1),
+                 QStringLiteral("the books were written by a newer Vantrel (schema version %1; this program knows up to %2). "
+                                "Nothing was changed; start the newer program.").arg(CurrentSchemaVersion + 1).arg(CurrentSchemaVersion));
     }
 
     // A backup of the books on the server: taken while they stand, kept only once read back, its

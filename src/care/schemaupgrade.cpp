@@ -82,11 +82,7 @@ SchemaUpgrade bringToCurrentSchema(const QString &path, const QString &backupFol
         result.from = result.to = schemaVersion(file);
     }
     if (result.from > CurrentSchemaVersion)
-        throw UnhandledError(QStringLiteral("%1 was written by a newer Vantrel (schema version %2; this program knows up to %3). "
-                                            "Nothing was changed; start the newer program.")
-                                 .arg(path)
-                                 .arg(result.from)
-                                 .arg(CurrentSchemaVersion));
+        throw UnhandledError(QStringLiteral("%1 was %2").arg(path, newerSchemaReason(result.from)));
     if (result.from == CurrentSchemaVersion)
         return result;
     tell(QStringLiteral("Bringing the shop's file from schema %1 to %2: taking a backup first...").arg(result.from).arg(CurrentSchemaVersion), 0);

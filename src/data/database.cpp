@@ -5,6 +5,7 @@
 #include "engineforms.h"
 #include "programsettings.h"
 #include "records.h"
+#include "schema.h"
 #include "serverconnection.h"
 #include "serverforms.h"
 #include "shortdate.h"
@@ -115,6 +116,10 @@ QString Database::setUpServerSession(const QSqlDatabase &db, Role role)
         return serverMessage(probe.lastError());
     if (!probe.value(0).toBool())
         return QStringLiteral("the database holds no books (vantrel-initdb makes them in an empty database)");
+    if (!probe.exec(QStringLiteral("select max(version) from schemaversion")) || !probe.next())
+        return serverMessage(probe.lastError());
+    if (const int version = probe.value(0).toInt(); version > CurrentSchemaVersion)
+        return QStringLiteral("the books were ") + newerSchemaReason(version);
     return {};
 }
 

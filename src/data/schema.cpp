@@ -211,4 +211,11 @@ void createDatabaseFile(const QString &path)
     sqlite3_close(db);
 }
 
+QString newerSchemaReason(int version)
+{
+    return QStringLiteral("written by a newer Vantrel (schema version %1; this program knows up to %2). Nothing was changed; start the newer program.")
+        .arg(version)
+        .arg(CurrentSchemaVersion);
+}
+
 } // namespace vantrel

@@ -7,6 +7,9 @@ namespace vantrel {
 // The version of the shop's schema this program writes, recorded in the file's user_version.
 // Files made before it was recorded are recognised by what they hold (see years/schemaupgrade.h).
 constexpr int CurrentSchemaVersion = 7;
+// Why books of schema VERSION, newer than this program's, are left alone: "written by a newer
+// Vantrel (...). Nothing was changed; start the newer program."
+QString newerSchemaReason(int version);
 
 // Writes a fresh database file holding every table of the shop, empty, readable and writable by
 // its owner only. Never touches an existing file: throws UnhandledError if PATH exists or the
