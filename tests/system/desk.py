@@ -4,6 +4,7 @@ accessibility bus (what a screen reader sees) and through its database file.
 
 Every wait polls for a condition with a time limit: nothing here times the program."""
 
+import itertools
 import os
 import shutil
 import sqlite3
@@ -82,21 +83,42 @@ def walk(acc):
             yield from walk(child)
 
 
+# With VANTREL_TEST_SERVER (a test server's folder, tests/support/pgserver) each run keeps its
+# books in a database of its own there instead of a file.
+SERVER = os.environ.get("VANTREL_TEST_SERVER")
+_databases = itertools.count(1)
+
+
+def psql(books, sql, *options):
+    return subprocess.run(["psql", books, "-Xq", "-v", "ON_ERROR_STOP=1", *options, "-c", sql], check=True,
+                          stdout=subprocess.PIPE, text=True).stdout
+
+
 class Program:
-    """One run of the real program in a program directory of its own, on a fresh database file
-    holding SEED (SQL run by the engine's stock library, so the guards of the file apply)."""
+    """One run of the real program in a program directory of its own, on fresh books holding SEED:
+    a database file (SQL run by the engine's stock library, so the guards of the file apply), or
+    a database of the test server's."""
 
     def __init__(self, program_dir, seed=""):
         self.dir = tempfile.mkdtemp(prefix="vantrel desk-")
         shutil.copy(os.path.join(program_dir, "vantrel"), self.dir)
         self.db_path = os.path.join(self.dir, "vantrel.accdb")
-        subprocess.run([os.path.join(program_dir, "vantrel-initdb"), self.db_path], check=True,
-                       stdout=subprocess.DEVNULL)
-        if seed:
+        self.books = self.db_path
+        if SERVER:
+            self.admin = open(os.path.join(SERVER, "uri")).read().strip()
+            self.database = "desk_%d_%d" % (os.getpid(), next(_databases))
+            psql(self.admin, "create database " + self.database)
+            self.books = self.admin.replace("/postgres?", "/%s?" % self.database)
+        subprocess.run([os.path.join(program_dir, "vantrel-initdb"), self.books], check=True, stdout=subprocess.DEVNULL)
+        if seed and SERVER:
+            psql(self.books, seed)
+        elif seed:
             with sqlite3.connect(self.db_path) as db:
                 db.executescript(seed)
         env = dict(os.environ, QT_LINUX_ACCESSIBILITY_ALWAYS_ON="1", QT_ACCESSIBILITY="1", LC_ALL="C.UTF-8",
                    XDG_CONFIG_HOME=self.dir)  # the program's settings its own, not the machine user's
+        if SERVER:
+            env["VANTREL_BOOKS"] = self.books
         env.pop("QT_QPA_PLATFORM", None)
         self.log = open(os.path.join(self.dir, "program.log"), "w")
         _running.append(self)
@@ -115,6 +137,8 @@ class Program:
         self.process.wait()
         self.log.close()
         shutil.rmtree(self.dir, ignore_errors=True)
+        if SERVER:
+            psql(self.admin, "drop database %s with (force)" % self.database)
 
     # --- the keyboard -------------------------------------------------------------------------
 
@@ -295,9 +319,11 @@ class Program:
                 pass
         raise Failure("%s never reached %r" % (key, name))
 
-    # --- the database file --------------------------------------------------------------------
+    # --- the books ----------------------------------------------------------------------------
 
     def rows(self, sql):
+        if SERVER:
+            return [tuple(line.split("\x1f")) for line in psql(self.books, sql, "-At", "-F", "\x1f").splitlines()]
         with sqlite3.connect(self.db_path) as db:
             return [tuple("" if v is None else (str(int(v)) if isinstance(v, float) and v == int(v) else str(v)) for v in row)
                     for row in db.execute(sql)]
