@@ -27,6 +27,14 @@ void runTool(const QString &tool, const QStringList &arguments, const QString &d
         throw UnhandledError(QStringLiteral("%1: %2").arg(doing, QString::fromLocal8Bit(process.readAll()).trimmed().replace(QLatin1Char('\n'), QLatin1String("; "))));
 }
 
+// Restores the archive BACKUP into the empty database TARGET, whole or not at all.
+void restoreArchive(const QString &backup, const QString &target, const QString &doing)
+{
+    runTool(QStringLiteral("pg_restore"), {QStringLiteral("--exit-on-error"), QStringLiteral("--single-transaction"), QStringLiteral("--no-owner"),
+                                           QStringLiteral("--no-acl"), QStringLiteral("--dbname=") + target, backup},
+            doing);
+}
+
 // What a copy must hold: every table's row count and the edit log's newest entry.
 QStringList contents(BooksReader &books)
 {
@@ -69,9 +77,7 @@ void withScratchDatabase(const QString &connection, const std::function<void(con
 void readBack(const QString &connection, const QString &backup, const QStringList &expected)
 {
     withScratchDatabase(connection, [&](const QString &scratch) {
-        runTool(QStringLiteral("pg_restore"), {QStringLiteral("--exit-on-error"), QStringLiteral("--single-transaction"), QStringLiteral("--no-owner"),
-                                               QStringLiteral("--no-acl"), QStringLiteral("--dbname=") + scratch, backup},
-                QStringLiteral("the copy cannot be read back"));
+        restoreArchive(backup, scratch, QStringLiteral("the copy cannot be read back"));
         ServerSession copy(scratch);
         const QStringList found = contents(copy);
         if (found != expected)
@@ -113,9 +119,7 @@ void restoreServerBackup(const QString &backup, const QString &connection)
                 > 0)
                 throw UnhandledError(QStringLiteral("the database is not empty; a backup is restored only into an empty one"));
         }
-        runTool(QStringLiteral("pg_restore"), {QStringLiteral("--exit-on-error"), QStringLiteral("--single-transaction"), QStringLiteral("--no-owner"),
-                                               QStringLiteral("--no-acl"), QStringLiteral("--dbname=") + connection, backup},
-                QStringLiteral("the backup cannot be restored"));
+        restoreArchive(backup, connection, QStringLiteral("the backup cannot be restored"));
         if (const QStringList broken = brokenLog(checkShopFile(connection, CheckDepth::Full)); !broken.isEmpty())
             throw UnhandledError(QStringLiteral("the books restored fail the check: %1").arg(broken.join(QLatin1String("; "))));
     } catch (const UnhandledError &error) {
