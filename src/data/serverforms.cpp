@@ -4,6 +4,7 @@
 #include "serverschema.h"
 
 #include <QRegularExpression>
+#include <functional>
 
 namespace vantrel {
 
@@ -172,25 +173,37 @@ QString groupOrder(const QString &sql)
 }
 
 // The items of a list split at its top-level commas.
-QStringList topLevelItems(const QString &list)
+// Walks TEXT from FROM, calling AT(i) on each character outside quotes and brackets until it
+// returns true; returns where it stopped, or the text's end.
+qsizetype walkTopLevel(const QString &text, qsizetype from, const std::function<bool(qsizetype)> &at)
 {
-    QStringList items;
     int depth = 0;
     bool quoted = false;
-    qsizetype start = 0;
-    for (qsizetype i = 0; i < list.size(); ++i) {
-        const QChar c = list[i];
+    for (qsizetype i = from; i < text.size(); ++i) {
+        const QChar c = text[i];
         if (c == QLatin1Char('\''))
             quoted = !quoted;
         else if (!quoted && c == QLatin1Char('('))
             ++depth;
         else if (!quoted && c == QLatin1Char(')'))
             --depth;
-        else if (!quoted && depth == 0 && c == QLatin1Char(',')) {
+        else if (!quoted && depth == 0 && at(i))
+            return i;
+    }
+    return text.size();
+}
+
+QStringList topLevelItems(const QString &list)
+{
+    QStringList items;
+    qsizetype start = 0;
+    walkTopLevel(list, 0, [&](qsizetype i) {
+        if (list[i] == QLatin1Char(',')) {
             items << list.mid(start, i - start).trimmed();
             start = i + 1;
         }
-    }
+        return false;
+    });
     items << list.mid(start).trimmed();
     return items;
 }
@@ -221,20 +234,9 @@ QStringList fileColumnNames(const QString &sql)
         return {};
     // The list runs to the first "from" outside quotes and brackets; an expression's name is its text.
     QRegularExpressionMatch table;
-    int depth = 0;
-    bool quoted = false;
-    qsizetype end = head.capturedEnd();
-    for (; end < sql.size(); ++end) {
-        const QChar c = sql[end];
-        if (c == QLatin1Char('\''))
-            quoted = !quoted;
-        else if (!quoted && c == QLatin1Char('('))
-            ++depth;
-        else if (!quoted && c == QLatin1Char(')'))
-            --depth;
-        else if (!quoted && depth == 0 && c.isSpace() && (table = from.match(QStringView(sql).mid(end))).hasMatch())
-            break;
-    }
+    const qsizetype end = walkTopLevel(sql, head.capturedEnd(), [&](qsizetype i) {
+        return sql[i].isSpace() && (table = from.match(QStringView(sql).mid(i))).hasMatch();
+    });
     if (!table.hasMatch())
         return {};
     const QString list = sql.mid(head.capturedEnd(), end - head.capturedEnd());

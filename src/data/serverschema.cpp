@@ -256,6 +256,27 @@ QString serverSchemaText()
         + QStringLiteral("create table schemaversion(version integer);\ninsert into schemaversion values(%1);\n").arg(CurrentSchemaVersion);
 }
 
+namespace {
+
+// Runs WORK on a connection of its own to the database CONNECTION names; returns why the
+// connection or the work failed, or an empty text.
+QString onServerConnection(const QString &connection, const std::function<QString(QSqlDatabase &, QSqlQuery &)> &work)
+{
+    const QString name = QStringLiteral("vantrel-books-setup");
+    QString failure;
+    {
+        QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QPSQL"), name);
+        db.setConnectOptions(serverConnectOptions(connection));
+        QSqlQuery query(db);
+        failure = db.open() ? work(db, query) : db.lastError().databaseText().simplified();
+        db.close();
+    }
+    QSqlDatabase::removeDatabase(name);
+    return failure;
+}
+
+} // namespace
+
 void grantCounters(const QString &connection, const QString &role)
 {
     QString quoted = role;
@@ -274,59 +295,45 @@ void grantCounters(const QString &connection, const QString &role)
         "end loop; end $$;\n"
         "do $$ begin execute format('grant usage on all sequences in schema %I to %s', current_schema(), '%3'); end $$;\n"
         "commit;\n").arg(quoted, tables.join(QStringLiteral(", ")), QString(quoted).replace(QLatin1Char('\''), QLatin1String("''")));
-    const QString name = QStringLiteral("vantrel-grant");
-    QString failure;
-    {
-        QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QPSQL"), name);
-        db.setConnectOptions(serverConnectOptions(connection));
-        QSqlQuery query(db);
-        if (!db.open())
-            failure = db.lastError().databaseText().simplified();
-        else if (!(failure = runServerScript(db, text)).isEmpty())
+    const QString failure = onServerConnection(connection, [&](QSqlDatabase &db, QSqlQuery &query) {
+        const QString failed = runServerScript(db, text);
+        if (!failed.isEmpty())
             query.exec(QStringLiteral("rollback"));
-        db.close();
-    }
-    QSqlDatabase::removeDatabase(name);
+        return failed;
+    });
     if (!failure.isEmpty())
         throw UnhandledError(QStringLiteral("Cannot give %1 the counters' rights on %2: %3").arg(role, serverDescription(connection), failure));
 }
 
 void createServerBooks(const QString &connection, const std::function<void(QSqlQuery &)> &fill, const QString &startWords)
 {
-    const QString name = QStringLiteral("vantrel-initdb");
-    QString failure;
-    {
-        QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QPSQL"), name);
-        db.setConnectOptions(serverConnectOptions(connection));
-        QSqlQuery query(db);
-        if (!db.open())
-            failure = db.lastError().databaseText().simplified();
-        else if (!query.exec(QStringLiteral("select count(*) from pg_class c join pg_namespace n on n.oid = c.relnamespace "
-                                             "where n.nspname = current_schema()"))
-                 || !query.next())
-            failure = serverMessage(query.lastError());
-        else if (query.value(0).toInt() != 0)
-            failure = QStringLiteral("the database is not empty; the books are made only in an empty one");
-        else if (!query.exec(QStringLiteral("begin")) || !(failure = runServerScript(db, serverSchemaText())).isEmpty())
-            failure = failure.isEmpty() ? serverMessage(query.lastError()) : failure;
-        else {
-            try {
-                if (fill)
-                    fill(query);
-                if (const QString failed = runServerScript(db, serverEditLogText()); !failed.isEmpty())
-                    throw UnhandledError(failed);
-                writeServerStartNote(query, startWords);
-                if (!query.exec(QStringLiteral("commit")))
-                    failure = serverMessage(query.lastError());
-            } catch (const UnhandledError &error) {
-                failure = error.message();
-            }
+    const QString failure = onServerConnection(connection, [&](QSqlDatabase &db, QSqlQuery &query) {
+        QString failed;
+        if (!query.exec(QStringLiteral("select count(*) from pg_class c join pg_namespace n on n.oid = c.relnamespace "
+                                       "where n.nspname = current_schema()"))
+            || !query.next())
+            return serverMessage(query.lastError());
+        if (query.value(0).toInt() != 0)
+            return QStringLiteral("the database is not empty; the books are made only in an empty one");
+        if (!query.exec(QStringLiteral("begin")))
+            return serverMessage(query.lastError());
+        try {
+            if (const QString schema = runServerScript(db, serverSchemaText()); !schema.isEmpty())
+                throw UnhandledError(schema);
+            if (fill)
+                fill(query);
+            if (const QString log = runServerScript(db, serverEditLogText()); !log.isEmpty())
+                throw UnhandledError(log);
+            writeServerStartNote(query, startWords);
+            if (!query.exec(QStringLiteral("commit")))
+                failed = serverMessage(query.lastError());
+        } catch (const UnhandledError &error) {
+            failed = error.message();
         }
-        if (!failure.isEmpty() && db.isOpen())
+        if (!failed.isEmpty())
             query.exec(QStringLiteral("rollback"));
-        db.close();
-    }
-    QSqlDatabase::removeDatabase(name);
+        return failed;
+    });
     if (!failure.isEmpty())
         throw UnhandledError(QStringLiteral("Cannot make the books on %1: %2").arg(serverDescription(connection), failure));
 }
