@@ -2,6 +2,7 @@
 // the engine makes of the system's statements, and choosing from a grid, are in tests/cases.)
 #include "data/records.h"
 #include "care/backups.h"
+#include "care/closedyears.h"
 #include "care/servermove.h"
 #include "care/shopcheck.h"
 #include "data/schema.h"
@@ -147,15 +148,24 @@ private slots:
         Database file(buildConnectionString(dir.path()));
         file.execute("insert into sales(invoice,qty,rate,amount,party) values('7','2X','','0.1','O''BRIEN \\ 50%'), ('8',' 3 ',null,'1e-5','')");
         file.execute("update stock set stk=stk-0.7 where prodname='PANADOL'");
+        // A closed year beside it: its own file, recorded in the shop's.
+        QDir(dir.path()).mkdir("years");
+        Backups::copyToNewFile(dir.filePath("vantrel.accdb"), dir.filePath("years/2025-26.accdb"));
+        file.execute("insert into closedyears(name, closed, file) values('2025-26', '4/2/2026', 'years/2025-26.accdb')");
         const QString server = test::newServerDatabase(QStringLiteral("moved_%1").arg(QCoreApplication::applicationPid()));
-        const QStringList report = moveFileToServer(dir.filePath("vantrel.accdb"), server);
-        QCOMPARE(report.size(), 10);
+        QStringList report = moveFileToServer(dir.filePath("vantrel.accdb"), server);
+        QCOMPARE(report.size(), 11);
+        QCOMPARE(report.last(), QStringLiteral("the closed year 2025-26: 30 rows into year_2025_26"));
+        report.removeLast();
         QVERIFY2(report.contains("sales: 5 rows") && report.contains("ledger: 3 rows"), qPrintable(report.join(", ")));
         // The file's log goes on on the server, entry for entry, then the server's start.
         const QString entries = file.query("select count(*) as n from editlog").text("n");
         QCOMPARE(report.last(), "editlog: " + entries + " entries");
         Database moved(server);
         QCOMPARE(moved.query("select id, action, source from editlog order by id desc limit 1").text("id"), QString::number(entries.toInt() + 1));
+        QCOMPARE(closedYears(server), (QList<QPair<QString, QString>>{{"2025-26", "year_2025_26"}}));
+        Database year(yearBooks(server, "year_2025_26"), Database::Access::ReadOnly);
+        QCOMPARE(year.query("select count(*) as n, sum(amount__n) as total from sales").text("total"), QStringLiteral("132.60001"));
         for (const ServerTable &table : serverTables()) {
             QStringList here, there;
             for (Recordset rs = file.query("select * from " + table.name); !rs.eof(); rs.moveNext())

@@ -1,5 +1,6 @@
 #include "servermove.h"
 
+#include "closedyears.h"
 #include "data/database.h"
 #include "data/editlog.h"
 #include "data/records.h"
@@ -8,6 +9,8 @@
 #include "data/unhandlederror.h"
 #include "sqlitefile.h"
 
+#include <QDir>
+#include <QFileInfo>
 #include <QSqlError>
 #include <QSqlQuery>
 #include <algorithm>
@@ -34,10 +37,10 @@ QString literal(const BookRow &row, int column)
     return QLatin1Char('\'') + row.text(column).replace(QLatin1Char('\''), QLatin1String("''")) + QLatin1Char('\'');
 }
 
-void copyTable(SqliteFile &source, QSqlQuery &target, const ServerTable &table)
+void copyTable(SqliteFile &source, QSqlQuery &target, const ServerTable &table, const QString &schema = QString())
 {
     const QString columns = table.names().join(QLatin1Char(','));
-    const QString insert = QStringLiteral("insert into %1(%2) values ").arg(table.name, columns);
+    const QString insert = QStringLiteral("insert into %1%2(%3) values ").arg(schema.isEmpty() ? QString() : schema + '.', table.name, columns);
     QStringList rows;
     const auto send = [&] {
         if (!rows.isEmpty() && !target.exec(insert + rows.join(QLatin1Char(','))))
@@ -62,6 +65,37 @@ ServerTable loggedEntries()
     for (const char *name : {"id", "at", "tab", "rid", "action", "old", "new", "source", "hash"})
         log.columns.append({QLatin1String(name), ServerTable::Text});
     return log;
+}
+
+struct MovedYear {
+    QString name, schema;
+    int rows;
+};
+
+// The closed years the file records, each moved from its own file into a schema of the server's
+// and recorded there.
+QVector<MovedYear> moveClosedYears(SqliteFile &source, QSqlQuery &target)
+{
+    QVector<MovedYear> moved;
+    const QDir beside = QFileInfo(source.path()).absoluteDir();
+    source.eachRow(QStringLiteral("select name, closed, file from closedyears order by rowid"), [&](const BookRow &row) {
+        const QString schema = yearSchema(row.text(0));
+        for (const QString &statement : yearSchemaStatements(schema))
+            if (!target.exec(statement))
+                throw UnhandledError(QStringLiteral("the server refused the closed year %1: %2").arg(row.text(0), serverMessage(target.lastError())));
+        SqliteFile year(beside.filePath(row.text(2)), SqliteFile::Access::ReadOnly);
+        int rows = 0;
+        for (const ServerTable &table : serverTables()) {
+            copyTable(year, target, table, schema);
+            rows += int(year.number("select count(*) from " + table.name));
+        }
+        copyTable(year, target, loggedEntries(), schema);
+        if (!target.exec(QStringLiteral("insert into closedyears(name, closed, file) values (%1, %2, %3)")
+                             .arg(sqlLiteral(row.text(0)), sqlLiteral(row.text(1)), sqlLiteral(schema))))
+            throw UnhandledError(QStringLiteral("the server refused the closed year %1: %2").arg(row.text(0), serverMessage(target.lastError())));
+        moved.append({row.text(0), schema, rows});
+    });
+    return moved;
 }
 
 // A table's row count and the totals of its Number columns, as the books' own statements read
@@ -101,6 +135,7 @@ bool sameTotals(const QStringList &here, const QStringList &there)
 
 QStringList moveFileToServer(const QString &file, const QString &connection)
 {
+    QVector<MovedYear> years;
     {
         SqliteFile source(file, SqliteFile::Access::ReadWrite);
         // What another client wrote into the file's log is sealed first, as the program would.
@@ -112,6 +147,7 @@ QStringList moveFileToServer(const QString &file, const QString &connection)
                 for (const ServerTable &table : serverTables())
                     copyTable(source, target, table);
                 copyTable(source, target, loggedEntries());
+                years = moveClosedYears(source, target);
             },
             QStringLiteral("The books moved onto the server from %1: the edit log goes on from the file's.").arg(file));
     }
@@ -133,6 +169,19 @@ QStringList moveFileToServer(const QString &file, const QString &connection)
         throw UnhandledError(QStringLiteral("the move is not proven: the file's edit log holds %1 entries ending in %2, the server's %3 ending in %4")
                                  .arg(entriesHere, lastHere, there.text(QStringLiteral("n")), there.text(QStringLiteral("hash"))));
     report << QStringLiteral("editlog: %1 entries").arg(entriesHere);
+    // A closed year's rows, counted as they went, are read back from the server.
+    for (const MovedYear &year : std::as_const(years)) {
+        QStringList counts;
+        for (const ServerTable &table : serverTables())
+            counts << QStringLiteral("(select count(*) from %1.%2)").arg(year.schema, table.name);
+        const int there = moved.query("select " + counts.join(QLatin1Char('+')) + " as n").text(QStringLiteral("n")).toInt();
+        if (there != year.rows)
+            throw UnhandledError(QStringLiteral("the move is not proven: the closed year %1 holds %2 rows on the file and %3 on the server")
+                                     .arg(year.name)
+                                     .arg(year.rows)
+                                     .arg(there));
+        report << QStringLiteral("the closed year %1: %2 rows into %3").arg(year.name).arg(year.rows).arg(year.schema);
+    }
     return report;
 }
 

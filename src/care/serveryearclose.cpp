@@ -44,17 +44,14 @@ QString note(const QString &words)
 // it ends, and the record of the books' version.
 void keepTheYear(ServerSession &books, const QString &schema, const CutOff &cut)
 {
-    books.run("create schema " + schema);
+    for (const QString &statement : yearSchemaStatements(schema))
+        books.run(statement);
     for (const ServerTable &table : serverTables()) {
         const QString columns = table.names().join(QLatin1Char(',')) + QStringLiteral(",rowid"), only = closing(table.name, cut);
-        books.run(QStringLiteral("create table %1.%2 (like %2 including all)").arg(schema, table.name));
         books.run(QStringLiteral("insert into %1.%2(%3) overriding system value select %3 from %2%4 order by rowid")
                       .arg(schema, table.name, columns, only.isEmpty() ? QString() : " where " + only));
     }
-    books.run(QStringLiteral("create view %1.receipt as select refno, dat, ac, credit as amt, accnm, rowid from %1.ledger where type = 'receipt'").arg(schema));
-    books.run(QStringLiteral("create table %1.editlog as select * from editlog order by id").arg(schema));
-    books.run(QStringLiteral("create table %1.schemaversion as select * from schemaversion").arg(schema));
-    books.run(QStringLiteral("create table %1.closedyears (like closedyears including all)").arg(schema));
+    books.run(QStringLiteral("insert into %1.editlog select * from editlog order by id").arg(schema));
 }
 
 // Every role that works at the counters (it may write the sales) may read the year, and no more.

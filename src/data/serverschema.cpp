@@ -256,6 +256,18 @@ QString serverSchemaText()
         + QStringLiteral("create table schemaversion(version integer);\ninsert into schemaversion values(%1);\n").arg(CurrentSchemaVersion);
 }
 
+QStringList yearSchemaStatements(const QString &schema)
+{
+    QStringList statements{"create schema " + schema};
+    for (const ServerTable &table : serverTables())
+        statements << QStringLiteral("create table %1.%2 (like %2 including all)").arg(schema, table.name);
+    for (const char *table : {"editlog", "schemaversion", "closedyears"})
+        statements << QStringLiteral("create table %1.%2 (like %2 including all)").arg(schema, QLatin1String(table));
+    statements << QStringLiteral("create view %1.receipt as select refno, dat, ac, credit as amt, accnm, rowid from %1.ledger where type = 'receipt'").arg(schema)
+               << QStringLiteral("insert into %1.schemaversion select * from schemaversion").arg(schema);
+    return statements;
+}
+
 namespace {
 
 // Runs WORK on a connection of its own to the database CONNECTION names; returns why the

@@ -53,6 +53,11 @@ QString serverSchemaText();
 void createServerBooks(const QString &connection, const std::function<void(QSqlQuery &)> &fill = {},
                        const QString &startWords = QStringLiteral("New books on the server: the edit log starts with them."));
 
+// The statements that make the schema SCHEMA of a closed year: the books' tables as the books
+// keep them (without their triggers: a closed year is not written), its log and the record of
+// its version, all empty but the version.
+QStringList yearSchemaStatements(const QString &schema);
+
 // Gives ROLE the rights a counter's screens need on the books CONNECTION names, and no more:
 // to read and write the shop's tables, to read the edit log. It cannot change the schema,
 // switch off or drop a trigger (an owner's rights), or write the log but through the triggers.
