@@ -152,7 +152,8 @@ QStringList moveFileToServer(const QString &file, const QString &connection)
             QStringLiteral("The books moved onto the server from %1: the edit log goes on from the file's.").arg(file));
     }
     Database moved(connection), kept(QStringLiteral("Data Source=%1;").arg(file), Database::Access::ReadOnly);
-    moved.execute(QStringLiteral("analyze")); // the planner's picture of the books just written
+    // The planner's picture of the books just written, and the map of pages an index alone may answer for.
+    moved.execute(QStringLiteral("vacuum analyze"));
     QStringList report;
     for (const ServerTable &table : serverTables()) {
         const QStringList there = totals(moved, table), here = totals(kept, table);
