@@ -18,7 +18,8 @@ using Rows = QList<QStringList>;
 // operator does on the screen opened last, then what the screen, the messages and the file must show. A
 // step the runner does not know fails the case, as does the first failing check; either names the line.
 // TARGET is an on-screen label, a grid's role or a button's caption.
-//   either: file STEP (on the file alone; the server has no such thing)
+//   either: file STEP / server STEP (on that engine alone: what the other has not, or writes
+//     another way)
 //   acting: open ENTRY (the menu entry's name) | window TITLE | start ENTRY MODE [PARTY] | reopen ENTRY
 //     MODE NUMBER | today MM/DD/YYYY (the clock's) | day MM/DD/YYYY (the next date asked; "-" drops it)
 //     | add CODE QTY [RATE] | type/set TARGET=TEXT (key by key, at once) | clear TARGET |
@@ -26,15 +27,16 @@ using Rows = QList<QStringList>;
 //     FIELD=TEXT>LIST | choose BOX=TEXT | date PICKER=MM/DD/YYYY | yes | no | option N (the next list's
 //     pick, from 0) | force CAPTION (enables it) | exec SQL | setting KEY=VALUE | cups QUEUE (a print
 //     system of the test's own whose queue is a file) | cut N (the write after the next N fails before
-//     it reaches the file, as if the program died there) | lock / unlock (another program holds the
-//     file's write lock, lets it go)
+//     it reaches the file, as if the program died there) | lose N (the server's connections end
+//     before the write after the next N) | lock / unlock (another program holds the file's write
+//     lock, lets it go)
 //   seeing: field TARGET=TEXT | grid GRID=ROW,COL=TEXT | rows GRID=COUNT (with the heading) | list
 //     GRID=a,b | c,d (every data row, any order) | top GRID=a,b (the first rows, "*" any cell) | width
 //     GRID=HEADING=TWIPS | focused TARGET | enabled/shown TARGET=yes|no | buttons B1,B2 (the screen's
 //     enabled buttons, all of them) | said M1 | M2 (the messages
 //     since the last said; "..." any text) | sql QUERY => a,b | c,d | fails SQL => MESSAGE | same FAST
 //     => STATED (a faster form gives what the statement as it stands gives) | shell SQL => OUTPUT (the
-//     sqlite3 shell) | check F1 | F2 (the full check's findings, then its notes; quick: the quick
+//     engine's shell: sqlite3, or psql's messages alone) | check F1 | F2 (the full check's findings, then its notes; quick: the quick
 //     check's; checks: both) | printed L1 | L2 | line N=TEXT (of the printout) | status TEXT | warning
 //     TEXT (the start's, of a series near its end) | ended MESSAGE (the program ended so, and goes on
 //     here) | pdftext FILE / saved FILE (exports/FILE is the printout) | queued (the printout reached
