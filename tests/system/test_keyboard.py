@@ -8,7 +8,7 @@ shared shop."""
 import os
 import subprocess
 
-from desk import SHOP, Program, run
+from desk import SERVER, SHOP, Program, run
 
 CASES = {
     "a credit sale keyed from the menu to the end": """
@@ -118,6 +118,10 @@ CASES = {
         fast F10 Right Down Return c; in Purchase; field Purchse Order No :=2""",
 }
 
+# What the keys do on a screen whatever the books hold: run on the file alone, not again on a server.
+SCREEN_ALONE = ("changing C to D", "an Alt letter that no button takes types nothing", "a whole date typed into a date picker",
+                "a printout previewed from the keyboard", "the status line")
+
 # The year to close: everything settled and dated in March of the last complete year.
 SETTLED = ("update sales set status='p'; update purchase set status='p'; update salesmain set dat='3/20/2026';"
            "update purchasemain set dat='3/20/2026'; update ledger set dat='3/20/2026';")
@@ -135,7 +139,8 @@ if __name__ == "__main__":
     runs = int(os.environ.get("VANTREL_RUNS", "1"))
     burners = [subprocess.Popen(["sh", "-c", "while :; do :; done"]) for _ in range(os.cpu_count() if runs > 1 else 0)]
     try:
-        run([case(name, steps) for _ in range(runs) for name, steps in CASES.items() if runs == 1 or "typed ahead" in name])
+        run([case(name, steps) for _ in range(runs) for name, steps in CASES.items()
+             if (runs == 1 or "typed ahead" in name) and not (SERVER and name in SCREEN_ALONE)])
     finally:
         for burner in burners:
             burner.kill()
