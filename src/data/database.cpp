@@ -12,6 +12,7 @@
 #include "sqlfunctions.h"
 #include "unhandlederror.h"
 
+#include <QRegularExpression>
 #include <QSqlDriver>
 #include <QSqlError>
 #include <QSqlRecord>
@@ -418,7 +419,10 @@ QString Database::sent(const QString &sql) const
 
 void Database::fail(const QSqlQuery &query) const
 {
-    if (m_server && serverConnectionBroken(query.driver()))
+    // The server's own word for a lost connection (class 08, or an administrator's or a crash's
+    // shutdown), or a connection found closed.
+    static const QRegularExpression lost(QStringLiteral("^(08|57P0[123])"));
+    if (m_server && (lost.match(query.lastError().nativeErrorCode()).hasMatch() || serverConnectionBroken(query.driver())))
         throw ServerLost(messageOf(query.lastError()));
     throw UnhandledError(messageOf(query.lastError()));
 }

@@ -142,7 +142,13 @@ bool serverConnectionBroken(const QSqlDriver *driver)
     if (qstrcmp(handle.typeName(), "PGconn*") != 0 && qstrcmp(handle.typeName(), "pg_conn*") != 0)
         return false;
     PGconn *connection = *static_cast<PGconn *const *>(handle.constData());
-    return !connection || PQstatus(connection) == CONNECTION_BAD;
+    if (!connection)
+        return true;
+    // A server that ended the connection has said so and closed it; the end is seen once the
+    // input waiting is read (a driver reading a statement's first result has not read it yet).
+    if (PQstatus(connection) == CONNECTION_OK)
+        PQconsumeInput(connection);
+    return PQstatus(connection) == CONNECTION_BAD;
 }
 
 QString runServerScript(const QSqlDatabase &db, const QString &script)

@@ -463,6 +463,8 @@ void StepDesk::step(const QString &verb, const QString &argument)
         m_cut = argument.toInt();
     } else if (verb == "lose") {
         m_lose = argument.toInt();
+    } else if (verb == "lost") {
+        shop.endServerConnections();
     } else if (verb == "lock") {
         m_lock = std::make_unique<SqliteFile>(shop.file(), SqliteFile::Access::ReadWrite);
         m_lock->execute(QStringLiteral("begin immediate"));

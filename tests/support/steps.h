@@ -28,7 +28,7 @@ using Rows = QList<QStringList>;
 //     pick, from 0) | force CAPTION (enables it) | exec SQL | setting KEY=VALUE | cups QUEUE (a print
 //     system of the test's own whose queue is a file) | cut N (the write after the next N fails before
 //     it reaches the file, as if the program died there) | lose N (the server's connections end
-//     before the write after the next N) | lock / unlock (another program holds the file's write
+//     before the write after the next N) | lost (they end now) | lock / unlock (another program holds the file's write
 //     lock, lets it go)
 //   seeing: field TARGET=TEXT | grid GRID=ROW,COL=TEXT | rows GRID=COUNT (with the heading) | list
 //     GRID=a,b | c,d (every data row, any order) | top GRID=a,b (the first rows, "*" any cell) | width
