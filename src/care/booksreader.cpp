@@ -1,6 +1,8 @@
 #include "booksreader.h"
 
 #include "data/serverconnection.h"
+#include "data/shortdate.h"
+#include "data/sqlfunctions.h"
 #include "serversession.h"
 #include "sqlitefile.h"
 
@@ -30,7 +32,9 @@ std::unique_ptr<BooksReader> openBooksReader(const QString &connection)
 {
     if (isServerConnection(connection))
         return std::make_unique<ServerSession>(connection);
-    return std::make_unique<SqliteFile>(connection, SqliteFile::Access::ReadOnly);
+    auto file = std::make_unique<SqliteFile>(connection, SqliteFile::Access::ReadOnly);
+    registerSqlFunctions(file->handle(), ShortDate()); // the statements' cdate and format, as on the server
+    return file;
 }
 
 } // namespace vantrel

@@ -46,7 +46,8 @@ public:
 };
 
 // The books CONNECTION names (the file's connection string or path, or a server), opened to be
-// read only; on the server, every statement reads the books as they stood when it was opened.
+// read only, with the statements' functions (cdate, format); on the server, every statement
+// reads the books as they stood when it was opened.
 std::unique_ptr<BooksReader> openBooksReader(const QString &connection);
 
 } // namespace vantrel

@@ -1,5 +1,6 @@
 #include "closedyears.h"
 
+#include "data/records.h"
 #include "data/serverconnection.h"
 #include "data/unhandlederror.h"
 #include "sqlitefile.h"
@@ -38,6 +39,18 @@ QString yearSchema(const QString &name)
 QString yearPlaceShown(const QString &database, const QString &place)
 {
     return isServerConnection(database) ? QStringLiteral("%1 on %2").arg(place, serverDescription(database)) : QDir::toNativeSeparators(place);
+}
+
+QString newYearPlace(const QString &database, const QString &name)
+{
+    return isServerConnection(database) ? yearSchema(name) : QDir(yearsFolder(database)).filePath(name + QStringLiteral(".accdb"));
+}
+
+bool yearPlaceTaken(const QString &database, const QString &place)
+{
+    if (!isServerConnection(database))
+        return QFileInfo::exists(place);
+    return openBooksReader(database)->number(QStringLiteral("select count(*) from pg_namespace where nspname = %1").arg(sqlLiteral(place))) > 0;
 }
 
 QString yearBooks(const QString &database, const QString &place)

@@ -24,6 +24,10 @@ QString yearSchema(const QString &name);
 // Where a closed year's books are, as the operator is told: the file's path, or PLACE (a
 // schema) on DATABASE's server.
 QString yearPlaceShown(const QString &database, const QString &place);
+// Where the closed year NAME goes: its file beside DATABASE, or its schema on DATABASE's server;
+// and whether something is there already.
+QString newYearPlace(const QString &database, const QString &name);
+bool yearPlaceTaken(const QString &database, const QString &place);
 // The books of a closed year kept at PLACE (closedYears() gives it), as a connection string.
 QString yearBooks(const QString &database, const QString &place);
 

@@ -10,7 +10,6 @@
 #include "cutoff.h"
 #include "data/records.h"
 #include "data/shortdate.h"
-#include "data/sqlfunctions.h"
 #include "data/unhandlederror.h"
 #include "yearcontents.h"
 
@@ -33,12 +32,8 @@ QString cutOffProblem(const QString &database, const FinancialYear &year, const 
     for (const auto &[closed, file] : closedYears(database))
         if (closed.left(7) >= name)
             return QStringLiteral("The year %1 is closed already, its books kept in %2.").arg(closed, yearPlaceShown(database, file));
-    if (isServerConnection(database)) {
-        if (openBooksReader(database)->number(QStringLiteral("select count(*) from pg_namespace where nspname = '%1'").arg(yearSchema(name))) > 0)
-            return QStringLiteral("%1 is there already; move it away first.").arg(yearPlaceShown(database, yearSchema(name)));
-    } else if (const QString file = QDir(yearsFolder(database)).filePath(name + QStringLiteral(".accdb")); QFileInfo::exists(file)) {
-        return QStringLiteral("%1 is there already; move it away first.").arg(QDir::toNativeSeparators(file));
-    }
+    if (const QString place = newYearPlace(database, name); yearPlaceTaken(database, place))
+        return QStringLiteral("%1 is there already; move it away first.").arg(yearPlaceShown(database, place));
     return QString();
 }
 
@@ -100,7 +95,9 @@ YearClosePlan planYearClose(const QString &database, const FinancialYear &year, 
     plan.cutOff = cutOff;
     plan.name = year.nameOf(cutOff);
     const bool server = isServerConnection(database);
-    plan.yearFile = server ? yearPlaceShown(database, yearSchema(plan.name)) : QDir(yearsFolder(database)).filePath(plan.name + QStringLiteral(".accdb"));
+    plan.yearFile = newYearPlace(database, plan.name);
+    if (server)
+        plan.yearFile = yearPlaceShown(database, plan.yearFile);
     plan.cutOffProblem = cutOffProblem(database, year, cutOff, today);
     if (!plan.cutOffProblem.isEmpty())
         return plan;
@@ -111,8 +108,6 @@ YearClosePlan planYearClose(const QString &database, const FinancialYear &year, 
             plan.unreadable << QStringLiteral("%1: date '%2'").arg(row.document, row.date);
         if (!plan.unreadable.isEmpty())
             return plan;
-        if (auto *sqlite = dynamic_cast<SqliteFile *>(books.get()))
-            registerSqlFunctions(sqlite->handle(), ShortDate());
         const CutOff cut(cutOff, server);
         const auto count = [&file](const QString &sql) { return int(file.number(sql)); };
         const auto counts = [&](const QString &rows, int &closing, int &staying) {

@@ -297,8 +297,7 @@ QString onServerConnection(const QString &connection, const std::function<QStrin
 
 void grantCounters(const QString &connection, const QString &role)
 {
-    QString quoted = role;
-    quoted = '"' + quoted.replace(QLatin1Char('"'), QLatin1String("\"\"")) + '"';
+    const QString quoted = '"' + QString(role).replace(QLatin1Char('"'), QLatin1String("\"\"")) + '"';
     QStringList tables;
     for (const ServerTable &table : serverTables())
         tables << table.name;
