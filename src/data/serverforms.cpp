@@ -152,7 +152,8 @@ QString dateSpan(const QString &sql)
              aggregate.match(list).hasMatch() ? QString() : QStringLiteral(" order by rowid"));
 }
 
-// A grouped statement with no order of its own: its groups in the order of the grouping.
+// A grouped statement with no order of its own: its groups in the order of the grouping, a null
+// key first, as the file sorts it.
 QString groupOrder(const QString &sql)
 {
     static const QRegularExpression grouped(QStringLiteral("\\bgroup\\s+by\\s+([\\w.,\\s]+?)\\s*$"), QRegularExpression::CaseInsensitiveOption);
@@ -165,9 +166,9 @@ QString groupOrder(const QString &sql)
     for (const QString &item : m.captured(1).split(QLatin1Char(','))) {
         const QString column = item.trimmed();
         if (isFigure(column.section(QLatin1Char('.'), -1)))
-            order << QStringLiteral("vfigure_is_text(%1), vleading(%1), %1").arg(column);
+            order << QStringLiteral("vfigure_is_text(%1) nulls first, vleading(%1), %1").arg(column);
         else
-            order << column;
+            order << column + QStringLiteral(" nulls first");
     }
     return sql + QStringLiteral(" order by ") + order.join(QStringLiteral(", "));
 }
