@@ -6,7 +6,10 @@
 // database that holds anything.
 // vantrel-initdb CONNECTION --counters ROLE: gives ROLE the rights the counters' screens need on
 // the books there (made before, by the books' owner), and no more.
+// vantrel-initdb CONNECTION --upgrade: brings books made by an older Vantrel up to date, once no
+// other program is connected to them (as the program does when its owner's role starts it).
 #include "care/servermove.h"
+#include "care/serverupgrade.h"
 #include "data/schema.h"
 #include "data/serverconnection.h"
 #include "data/serverschema.h"
@@ -14,19 +17,21 @@
 
 #include <QCoreApplication>
 #include <QString>
+#include <QThread>
 #include <cstdio>
 
 int main(int argc, char **argv)
 {
-    const bool moving = argc == 4 && QByteArray(argv[2]) == "--from", granting = argc == 4 && QByteArray(argv[2]) == "--counters";
-    if (argc != 2 && !moving && !granting) {
-        std::fprintf(stderr, "usage: vantrel-initdb PATH | CONNECTION [--from FILE | --counters ROLE]\n");
+    const bool moving = argc == 4 && QByteArray(argv[2]) == "--from", granting = argc == 4 && QByteArray(argv[2]) == "--counters",
+               upgrading = argc == 3 && QByteArray(argv[2]) == "--upgrade";
+    if (argc != 2 && !moving && !granting && !upgrading) {
+        std::fprintf(stderr, "usage: vantrel-initdb PATH | CONNECTION [--from FILE | --counters ROLE | --upgrade]\n");
         return 2;
     }
     QCoreApplication app(argc, argv); // the database drivers are plugins
     const QString target = QString::fromLocal8Bit(argv[1]);
     const bool onServer = vantrel::isServerConnection(target);
-    if ((moving || granting) && !onServer) {
+    if ((moving || granting || upgrading) && !onServer) {
         std::fprintf(stderr, "vantrel-initdb: %s is for books on a server; %s names no server\n", argv[2], argv[1]);
         return 2;
     }
@@ -34,6 +39,18 @@ int main(int argc, char **argv)
         if (granting) {
             vantrel::grantCounters(target, QString::fromLocal8Bit(argv[3]));
             std::printf("vantrel-initdb: %s may now work at the counters on %s\n", argv[3], qPrintable(vantrel::serverDescription(target)));
+            return 0;
+        }
+        if (upgrading) {
+            QString before;
+            const vantrel::ServerUpgrade upgrade = vantrel::bringServerToCurrentSchema(target, [&before](const QString &others) {
+                if (others != before)
+                    std::fprintf(stderr, "vantrel-initdb: waiting for the other programs on the books to close: %s\n", qPrintable(others));
+                before = others;
+                QThread::sleep(1);
+                return true;
+            });
+            std::printf("vantrel-initdb: %s\n", upgrade.upgraded() ? qPrintable(upgrade.notice()) : "the books on the server are up to date");
             return 0;
         }
         if (moving) {

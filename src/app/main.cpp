@@ -5,12 +5,15 @@
 #include "app/messageboxdialogs.h"
 #include "care/schemaupgrade.h"
 #include "care/serieswarning.h"
+#include "care/serverupgrade.h"
 #include "care/shoppresence.h"
 #include "care/yearclose.h"
 #include "data/programsettings.h"
 #include "data/serverconnection.h"
 
 #include <QApplication>
+#include <QEventLoop>
+#include <QTimer>
 #include <QDir>
 #include <QFileInfo>
 #include <QProgressDialog>
@@ -38,8 +41,10 @@ int main(int argc, char *argv[])
     // gets no lock file beside it).
     const QDir directory(QCoreApplication::applicationDirPath());
     const QString file = directory.filePath(QStringLiteral("vantrel.accdb"));
-    const bool onServer = vantrel::isServerConnection(vantrel::ProgramSettings::read().booksIn(directory.path()));
+    const QString books = vantrel::ProgramSettings::read().booksIn(directory.path());
+    const bool onServer = vantrel::isServerConnection(books);
     vantrel::SchemaUpgrade upgrade;
+    vantrel::ServerUpgrade serverUpgrade;
     std::unique_ptr<vantrel::ShopPresence> presence;
     std::unique_ptr<vantrel::Program> program;
     try {
@@ -62,8 +67,30 @@ int main(int argc, char *argv[])
                 vantrel::finishInterruptedClose(file);
         }
         // A server that cannot be reached may be back in a moment: the operator is asked.
+        // Books on a server made by an older Vantrel are brought up to date first, once the other
+        // programs on them have closed (the operator sees who is still there, and may give up).
+        std::unique_ptr<QProgressDialog> waiting;
+        const auto waitForOthers = [&waiting](const QString &others) {
+            if (!waiting) {
+                waiting = std::make_unique<QProgressDialog>(QString(), QStringLiteral("Cancel"), 0, 0);
+                waiting->setWindowTitle(QString::fromLatin1(vantrel::ProgramTitle));
+                waiting->setMinimumDuration(0);
+                waiting->show();
+            }
+            waiting->setLabelText(QStringLiteral("The books on the server are to be brought up to date for this Vantrel.\nWaiting for the "
+                                                 "other programs on them to close: %1").arg(others));
+            QEventLoop pause;
+            QTimer::singleShot(1000, &pause, &QEventLoop::quit);
+            QObject::connect(waiting.get(), &QProgressDialog::canceled, &pause, &QEventLoop::quit);
+            pause.exec();
+            return !waiting->wasCanceled();
+        };
         while (!program) {
             try {
+                waiting.reset(); // a wait given up before is asked afresh
+                if (onServer && !serverUpgrade.upgraded())
+                    serverUpgrade = vantrel::bringServerToCurrentSchema(books, waitForOthers);
+                waiting.reset();
                 program = std::make_unique<vantrel::Program>(directory.path(), dialogs, clock, unhandledError);
             } catch (const vantrel::UnhandledError &error) {
                 if (!onServer || !dialogs.ask(error.message() + QStringLiteral("\n\nCheck that the server is running, that this computer "
@@ -73,7 +100,8 @@ int main(int argc, char *argv[])
             }
         }
         program->services().whyTheShopIsShared = [&presence] { return presence ? presence->whyShared() : QString(); };
-        QStringList notices{presence ? presence->problem() : QString(), upgrade.notice(), vantrel::seriesWarning(program->db())};
+        QStringList notices{presence ? presence->problem() : QString(), upgrade.notice(), serverUpgrade.notice(),
+                            vantrel::seriesWarning(program->db())};
         notices.removeAll(QString());
         program->window().showNotice(notices.join(QLatin1Char(' ')));
     } catch (const vantrel::UnhandledError &error) {

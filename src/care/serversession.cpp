@@ -102,11 +102,7 @@ ServerSession::ServerSession(const QString &connection, Mode mode) : m_connectio
 
 ServerSession::~ServerSession()
 {
-    {
-        QSqlDatabase db = QSqlDatabase::database(m_name, false);
-        QSqlQuery(db).exec(QStringLiteral("rollback"));
-        db.close();
-    }
+    QSqlDatabase::database(m_name, false).close(); // the server rolls back what is left open
     QSqlDatabase::removeDatabase(m_name);
 }
 

@@ -8,6 +8,7 @@
 #include "schema.h"
 #include "serverconnection.h"
 #include "serverforms.h"
+#include "serverschema.h"
 #include "shortdate.h"
 #include "sqlfunctions.h"
 #include "unhandlederror.h"
@@ -117,10 +118,17 @@ QString Database::setUpServerSession(const QSqlDatabase &db, Role role)
         return serverMessage(probe.lastError());
     if (!probe.value(0).toBool())
         return QStringLiteral("the database holds no books (vantrel-initdb makes them in an empty database)");
-    if (!probe.exec(QStringLiteral("select max(version) from schemaversion")) || !probe.next())
+    if (!probe.exec(serverVersionsStatement()) || !probe.next())
         return serverMessage(probe.lastError());
-    if (const int version = probe.value(0).toInt(); version > CurrentSchemaVersion)
-        return QStringLiteral("the books were ") + newerSchemaReason(version);
+    const ServerVersions versions{probe.value(0).toInt(), probe.value(1).toInt()};
+    if (const QString newer = newerServerBooksReason(versions); !newer.isEmpty())
+        return QStringLiteral("the books were ") + newer;
+    // The screens' statements need what the books' later versions bring.
+    if (versions.server < CurrentServerSchemaVersion && role == Writer)
+        return QStringLiteral("the books were made by an older Vantrel (server version %1; this program needs %2): their owner brings them "
+                              "up to date by starting Vantrel once with the owner's role, or with vantrel-initdb CONNECTION --upgrade")
+            .arg(versions.server)
+            .arg(CurrentServerSchemaVersion);
     return {};
 }
 

@@ -65,15 +65,20 @@ QString serverConnectionTo(const QString &connection, const QString &database)
     return (quotedParameters(connection, QStringLiteral("dbname")) << QStringLiteral("dbname='%1'").arg(database)).join(QLatin1Char(' '));
 }
 
-QStringList serverSessionSetup()
+QString serverDateOrder()
 {
     static const char orders[] = {'D', 'M', 'Y'};
     const ShortDate form;
-    const QString order = QString(QLatin1Char(orders[form.order()[0]])) + QLatin1Char(orders[form.order()[1]]) + QLatin1Char(orders[form.order()[2]]);
+    return QString(QLatin1Char(orders[form.order()[0]])) + QLatin1Char(orders[form.order()[1]]) + QLatin1Char(orders[form.order()[2]]);
+}
+
+QStringList serverSessionSetup()
+{
+    const QString order = serverDateOrder();
     QString counter = ProgramSettings::read().counter();
     counter.replace(QLatin1Char('\''), QLatin1String("''"));
     return {QStringLiteral("set extra_float_digits = 1"), QStringLiteral("set vantrel.date_order = '%1'").arg(order),
-            QStringLiteral("set vantrel.counter = '%1'").arg(counter)};
+            QStringLiteral("set vantrel.counter = '%1'").arg(counter), QStringLiteral("set application_name = 'Vantrel at %1'").arg(counter)};
 }
 
 QString serverConnectionInSchema(const QString &connection, const QString &schema)

@@ -28,8 +28,11 @@ QString serverDescription(const QString &connection);
 // that statement's message as serverMessage() says it, or an empty text.
 QString runServerScript(const QSqlDatabase &db, const QString &script);
 // The settings every session of the program's on the server starts with: figures in their
-// shortest exact text, the short date's order for cdate, and the counter's name for the edit log.
+// shortest exact text, the short date's order for cdate, and the counter's name for the edit log
+// (and as the session's application name, for the server's administrator and the upgrade's wait).
 QStringList serverSessionSetup();
+// The order of day, month and year in the program's short date form, as "MDY".
+QString serverDateOrder();
 // CONNECTION with its tables found first in SCHEMA (a plain name), then in the books' own.
 QString serverConnectionInSchema(const QString &connection, const QString &schema);
 // Whether DRIVER's connection to the server is broken (the server gone, or the connection ended).

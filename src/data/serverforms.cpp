@@ -1,6 +1,7 @@
 #include "serverforms.h"
 
 #include "engineforms.h"
+#include "serverconnection.h"
 #include "serverschema.h"
 
 #include <QRegularExpression>
@@ -127,29 +128,30 @@ QString tableOrder(const QString &sql)
 }
 
 // A register's date span over a whole table, "select LIST from T where format(cdate(dat),
-// 'MM/DD/YYYY') between 'A' and 'B'" (format already the server's vformat here): each distinct
-// date is converted once, walking the table's date index, and the rows of the dates in the span
-// are read in the order they came in, as the file's form does (see engineForm()). The same
-// reasoning holds: the condition depends on the date text alone, texts that differ only in case
-// convert alike, and a date that cannot be converted fails the walk as it fails the scan.
+// 'MM/DD/YYYY') between 'A' and 'B'" (format already the server's vformat here): the rows whose
+// date key (the same text, for the session's order of day, month and year) lies in the span,
+// which the key's index finds, read in the order they came in, as the file reads them (an
+// aggregate adds them up in that order too). A date that cannot be converted fails the
+// statement with the scan's message before any row comes: the key is null for it alone, and
+// the index finds such rows too.
 QString dateSpan(const QString &sql)
 {
     static const QRegularExpression span(
         QStringLiteral("^select\\s+(.+?)\\s+from\\s+(\\w+)\\s+where\\s+vformat\\(cdate\\((\\w+)\\),\\s*'MM/DD/YYYY'\\)\\s+between\\s+"
                        "('[^']*')\\s+and\\s+('[^']*')\\s*$"),
         QRegularExpression::CaseInsensitiveOption | QRegularExpression::DotMatchesEverythingOption);
-    static const QRegularExpression aggregate(QStringLiteral("\\b(sum|count|min|max|avg)\\s*\\("), QRegularExpression::CaseInsensitiveOption);
     const QRegularExpressionMatch m = span.match(sql);
     if (!m.hasMatch() || m.captured(1).contains(QLatin1Char('\'')))
         return sql;
     const QString list = m.captured(1), table = m.captured(2), date = m.captured(3);
-    // The days are worked out once, before any row is read (a materialized list), whatever
-    // plan reads the rows.
-    return QStringLiteral("with recursive d(v) as (select min(%3) from %2 union all select (select min(%3) from %2 where %3 > d.v) from d "
-                          "where d.v is not null), days as materialized (select v from d where v is not null and "
-                          "vformat(cdate(v),'MM/DD/YYYY') between %4 and %5) select %1 from %2 where %3 in (select v from days)%6")
-        .arg(list, table, date, m.captured(4), m.captured(5),
-             aggregate.match(list).hasMatch() ? QString() : QStringLiteral(" order by rowid"));
+    const QString key = QStringLiteral("(vdatekey(%1, '%2') collate \"C\")").arg(date, serverDateOrder());
+    const QString rows = QStringLiteral("from %1 where %2 between %4 and %5 and (select cdate(%3) from %1 where %2 is null and %3 is not null "
+                                        "limit 1) is null order by rowid")
+                             .arg(table, key, date, m.captured(4), m.captured(5));
+    static const QRegularExpression aggregate(QStringLiteral("\\b(sum|count|min|max|avg)\\s*\\("), QRegularExpression::CaseInsensitiveOption);
+    if (aggregate.match(list).hasMatch())
+        return QStringLiteral("select %1 from (select * %2) %3").arg(list, rows, table);
+    return QStringLiteral("select %1 %2").arg(list, rows);
 }
 
 // A grouped statement with no order of its own: its groups in the order of the grouping, a null

@@ -105,21 +105,25 @@ create operator = (leftarg = double precision, rightarg = text, function = vnumb
 create function vfigure_is_text(a text) returns boolean language sql immutable parallel safe as $$
     select a !~ '^-?[0-9.]+(e[-+][0-9]+)?$' $$;
 
--- The date a text gives in the program's short date form (its order of day, month and year in
--- the setting vantrel.date_order, as "MDY"), or an ISO date: the ISO date's text; null for a null;
--- any other text is a type mismatch.
-create function cdate(v text) returns text language plpgsql stable parallel safe as $$
+)sql";
+}
+
+} // namespace
+
+const char *serverDateFunctionsText()
+{
+    return R"sql(
+-- The date a text gives with its day, month and year in the order FORM (as "MDY"), or an ISO
+-- date: the ISO date's text; null for a null and for any other text.
+create or replace function vdate_iso(v text, form text) returns text language plpgsql immutable parallel safe as $$
 declare
     m text[];
     y int; mo int; d int; ydigits int;
-    form text := coalesce(nullif(current_setting('vantrel.date_order', true), ''), 'MDY');
     n int[];
 begin
     if v is null then return null; end if;
     m := regexp_match(v, '^ *([0-9]{1,5})([^0-9 ])([0-9]{1,5})([^0-9 ])([0-9]{1,5}) *$');
-    if m is null then
-        raise exception 'Data type mismatch in criteria expression.' using errcode = '22P02';
-    end if;
+    if m is null then return null; end if;
     n := array[m[1]::int, m[3]::int, m[5]::int];
     if length(m[1]) = 4 and m[2] = '-' and m[4] = '-' then
         y := n[1]; mo := n[2]; d := n[3];
@@ -137,13 +141,41 @@ begin
     end if;
     if y < 100 or y > 9999 or mo < 1 or mo > 12 or d < 1
        or d > extract(day from make_date(y, mo, 1) + interval '1 month' - interval '1 day') then
-        raise exception 'Data type mismatch in criteria expression.' using errcode = '22P02';
+        return null;
     end if;
     return lpad(y::text, 4, '0') || '-' || lpad(mo::text, 2, '0') || '-' || lpad(d::text, 2, '0');
 end $$;
 
+-- The order of day, month and year of the program's short date form, in the setting
+-- vantrel.date_order.
+create or replace function vdate_order() returns text language sql stable parallel safe as $$
+    select coalesce(nullif(current_setting('vantrel.date_order', true), ''), 'MDY') $$;
+
+-- The date a text gives in the program's short date form, or an ISO date: the ISO date's text;
+-- null for a null; any other text is a type mismatch.
+create or replace function cdate(v text) returns text language plpgsql stable parallel safe as $$
+declare
+    iso text := vdate_iso(v, vdate_order());
+begin
+    if iso is null and v is not null then
+        raise exception 'Data type mismatch in criteria expression.' using errcode = '22P02';
+    end if;
+    return iso;
+end $$;
+
+-- The date a text gives in the order FORM, as MM/DD/YYYY, the text a register's span compares;
+-- null for a text that is no date. The books keep it in an index for each usual order (which a
+-- restore builds with no schema on its path: hence the function's own).
+create or replace function vdatekey(v text, form text) returns text language plpgsql immutable parallel safe
+    set search_path from current as $$
+declare
+    iso text := vdate_iso(v, form);
+begin
+    return substr(iso, 6, 2) || '/' || substr(iso, 9, 2) || '/' || substr(iso, 1, 4);
+end $$;
+
 -- A number is a day count from 30 December 1899.
-create function cdate(v double precision) returns text language plpgsql immutable parallel safe as $$
+create or replace function cdate(v double precision) returns text language plpgsql immutable parallel safe as $$
 begin
     if v is null then return null; end if;
     if not (v > -657435 and v < 2958466) then
@@ -154,17 +186,12 @@ end $$;
 
 -- A date (as cdate takes it) written with the pattern's d, dd, m, mm, mmm, mmmm, yy, yyyy in any
 -- case, other characters standing as they are; a value that is not a date comes back as its text.
-create function vformat(v text, pattern text) returns text language plpgsql stable parallel safe as $$
+create or replace function vformat(v text, pattern text) returns text language plpgsql stable parallel safe as $$
 declare
-    iso text; y int; mo int; d int; i int := 1; c text; run int; out text := '';
+    iso text := vdate_iso(v, vdate_order()); y int; mo int; d int; i int := 1; c text; run int; out text := '';
     months text[] := array['January','February','March','April','May','June','July','August','September','October','November','December'];
 begin
-    if v is null then return null; end if;
-    begin
-        iso := cdate(v);
-    exception when invalid_text_representation then
-        return v;
-    end;
+    if iso is null then return v; end if;
     y := substr(iso, 1, 4)::int; mo := substr(iso, 6, 2)::int; d := substr(iso, 9, 2)::int;
     while i <= length(pattern) loop
         c := lower(substr(pattern, i, 1));
@@ -184,7 +211,7 @@ begin
     return out;
 end $$;
 
-create function vformat(v double precision, pattern text) returns text language plpgsql stable parallel safe as $$
+create or replace function vformat(v double precision, pattern text) returns text language plpgsql stable parallel safe as $$
 begin
     if v is null then return null; end if;
     if not (v > -657435 and v < 2958466) then return v::text; end if;
@@ -192,6 +219,19 @@ begin
 end $$;
 )sql";
 }
+
+QString serverDateKeysText(const QString &schema)
+{
+    QString text;
+    for (const char *table : {"salesmain", "purchasemain"})
+        for (const char *order : {"MDY", "DMY", "YMD"})
+            text += QStringLiteral("create index if not exists %2_day_%3 on %1%2((vdatekey(dat, '%4') collate \"C\"));\n")
+                        .arg(schema.isEmpty() ? QString() : schema + QLatin1Char('.'), QLatin1String(table),
+                             QString::fromLatin1(order).toLower(), QLatin1String(order));
+    return text;
+}
+
+namespace {
 
 QString columnText(const QString &table, const ServerTable::Column &column)
 {
@@ -248,18 +288,39 @@ create index stock_product_number on stock(cmpid, vleading(psrno));
 
 QString serverSchemaText()
 {
-    QString text = QString::fromLatin1(functionsText());
+    QString text = QString::fromLatin1(functionsText()) + QString::fromLatin1(serverDateFunctionsText());
     for (const ServerTable &table : serverTables())
         text += tableText(table);
     // The file's indexes, which the server's tables take as they stand.
     for (const QString &line : QString::fromLatin1(schemaText()).split(QLatin1Char('\n')))
         if (line.startsWith(QLatin1String("create index ")))
             text += line + QLatin1Char('\n');
+    text += serverDateKeysText();
     // The closed years, each kept in a schema of its own that the year's close makes.
     text += QStringLiteral("create table closedyears(name citext collate \"C\", closed citext collate \"C\", file citext collate \"C\", "
                            "rowid bigint generated always as identity primary key);\n");
     return text + QString::fromLatin1(viewText()) + serverEditLogTableText()
-        + QStringLiteral("create table schemaversion(version integer);\ninsert into schemaversion values(%1);\n").arg(CurrentSchemaVersion);
+        + QStringLiteral("create table schemaversion(version integer, server integer);\ninsert into schemaversion values(%1, %2);\n")
+              .arg(CurrentSchemaVersion)
+              .arg(CurrentServerSchemaVersion);
+}
+
+QString serverVersionsStatement()
+{
+    // Books of server version 1 have no column for it.
+    return QStringLiteral("select max(version), coalesce(max((to_jsonb(v) ->> 'server')::int), 1) from schemaversion v");
+}
+
+QString newerServerBooksReason(const ServerVersions &versions)
+{
+    if (versions.schema > CurrentSchemaVersion)
+        return newerSchemaReason(versions.schema);
+    if (versions.server > CurrentServerSchemaVersion)
+        return QStringLiteral("written by a newer Vantrel (server version %1; this program knows up to %2). Nothing was changed; start the "
+                              "newer program.")
+            .arg(versions.server)
+            .arg(CurrentServerSchemaVersion);
+    return {};
 }
 
 QStringList yearSchemaStatements(const QString &schema)

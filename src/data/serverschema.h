@@ -32,6 +32,22 @@ struct ServerTable {
     QStringList figures() const;
 };
 
+// The version of what the server's books hold beyond the file's schema (the server's own
+// functions and indexes), recorded beside the schema's version: 1 for books that record none.
+// 2: the registers' date keys.
+constexpr int CurrentServerSchemaVersion = 2;
+
+// The versions books on a server record: the schema's and the server's own.
+struct ServerVersions {
+    int schema = 0;
+    int server = 0;
+};
+// The statement that reads them, as two integers (server 1 for books that record none).
+QString serverVersionsStatement();
+// Why books at VERSIONS, newer than this program's, are left alone (as newerSchemaReason()
+// says it); empty when they are not newer.
+QString newerServerBooksReason(const ServerVersions &versions);
+
 // The shop's tables, in the order the file's schema makes them.
 const QVector<ServerTable> &serverTables();
 // The table named NAME (without regard to case), or null.
@@ -43,6 +59,12 @@ QStringList receiptColumns();
 // the indexes, the guards, and the functions the system's statements call (cdate, and the
 // system's format as vformat, since the server has a format of its own).
 QString serverSchemaText();
+// The date functions (cdate, vformat, the date key a register's span compares), each made or
+// replaced.
+const char *serverDateFunctionsText();
+// The indexes of the date key, for the usual orders of day, month and year, on the document
+// tables of the books or of the year's schema SCHEMA; each made unless it is there.
+QString serverDateKeysText(const QString &schema = {});
 
 // Makes the shop's books in the empty database CONNECTION names, in one transaction: empty, or
 // filled by FILL, which runs its statements on the query it is given inside that transaction
