@@ -51,7 +51,8 @@ class DatabaseTest : public QObject {
 
 private slots:
     // A server that is not there, a database without books, and books made only in an empty
-    // database: each said with the server's name and what is wrong, and nothing written.
+    // database of the character type C: each said with the server's name and what is wrong, and
+    // nothing written.
     void serverOpeningSaysWhatIsWrong()
     {
         QCOMPARE(test::errorOf([] { Database db(QStringLiteral("postgresql://shop@/vantrel?host=/nonexistent&port=1")); }).section(':', 0, 1),
@@ -63,6 +64,12 @@ private slots:
         if (server.isEmpty())
             QSKIP("no test server (VANTREL_TEST_SERVER)");
         QVERIFY(test::errorOf([&] { Database db(server); }).endsWith(QStringLiteral(", database postgres: the database holds no books (vantrel-initdb makes them in an empty database)")));
+        const QString folding = test::newServerDatabase(QStringLiteral("folding_%1").arg(QCoreApplication::applicationPid()),
+                                                        QStringLiteral("template template0 lc_ctype 'C.UTF-8'"));
+        QVERIFY(test::errorOf([&] { createServerBooks(folding); })
+                    .endsWith(": the database's character type is C.UTF-8, under which texts compare alike beyond A-Z (\"É\" and \"é\"); the books "
+                              "need the character type C: createdb --locale=C --encoding=UTF8 --template=template0 NAME"));
+        QVERIFY(test::errorOf([&] { Database db(folding); }).endsWith("the database holds no books (vantrel-initdb makes them in an empty database)"));
         test::TestShop shop(test::TestShop::Filled);
         QVERIFY(test::errorOf([&] { createServerBooks(shop.books()); }).endsWith(QStringLiteral(": the database is not empty; the books are made only in an empty one")));
         QCOMPARE(shop.rows(QStringLiteral("select count(*) from salesmain")), (QList<QStringList>{{"3"}}));

@@ -285,4 +285,14 @@ void checkEditLog(BooksReader &file, CheckDepth depth, CheckReport &report)
     checker.addTo(report);
 }
 
+void checkEditLogChain(BooksReader &file, CheckReport &report)
+{
+    LogChecker checker(file);
+    if (checker.tableStands()) {
+        checker.triggers();
+        checker.chain();
+    }
+    checker.addTo(report);
+}
+
 } // namespace vantrel

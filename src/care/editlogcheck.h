@@ -14,5 +14,8 @@ class BooksReader;
 // change that something other than the program made. The replay starts from the log's newest
 // start: a log moved onto the server goes on from the rows as the move left them.
 void checkEditLog(BooksReader &file, CheckDepth depth, CheckReport &report);
+// The log and its triggers as they stand, and its chain walked from the start, without the
+// replay: what a copy read back must show to be whole.
+void checkEditLogChain(BooksReader &file, CheckReport &report);
 
 } // namespace vantrel

@@ -3,6 +3,7 @@
 #include "data/serverconnection.h"
 #include "data/serverschema.h"
 #include "data/unhandlederror.h"
+#include "editlogcheck.h"
 #include "serversession.h"
 #include "shopcheck.h"
 
@@ -63,7 +64,7 @@ void withScratchDatabase(const QString &connection, const std::function<void(con
     static int made = 0;
     const QString name = QStringLiteral("vantrel_readback_%1_%2").arg(QCoreApplication::applicationPid()).arg(++made);
     ServerSession admin(connection, ServerSession::Mode::Statements);
-    admin.run("create database " + name);
+    admin.run("create database " + name + " template template0 encoding 'UTF8' lc_collate 'C' lc_ctype 'C'");
     try {
         use(serverConnectionTo(connection, name));
     } catch (...) {
@@ -82,7 +83,9 @@ void readBack(const QString &connection, const QString &backup, const QStringLis
         const QStringList found = contents(copy);
         if (found != expected)
             throw UnhandledError(QStringLiteral("the copy read back holds %1 where the books held %2").arg(found.join(QLatin1String(", ")), expected.join(QLatin1String(", "))));
-        if (const QStringList broken = brokenLog(checkShopFile(scratch, CheckDepth::Full)); !broken.isEmpty())
+        CheckReport report;
+        checkEditLogChain(copy, report);
+        if (const QStringList broken = brokenLog(report); !broken.isEmpty())
             throw UnhandledError(QStringLiteral("the copy read back fails the check: %1").arg(broken.join(QLatin1String("; "))));
     });
 }
@@ -118,6 +121,8 @@ void restoreServerBackup(const QString &backup, const QString &connection)
                                              "where n.nspname = current_schema()"))
                 > 0)
                 throw UnhandledError(QStringLiteral("the database is not empty; a backup is restored only into an empty one"));
+            if (const QString unfit = unfitCharacterType(target.firstColumn(serverCharacterTypeStatement()).value(0)); !unfit.isEmpty())
+                throw UnhandledError(unfit);
         }
         restoreArchive(backup, connection, QStringLiteral("the backup cannot be restored"));
         if (const QStringList broken = brokenLog(checkShopFile(connection, CheckDepth::Full)); !broken.isEmpty())

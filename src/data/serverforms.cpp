@@ -50,14 +50,17 @@ QString names(QString outside)
 }
 
 // The range a prefix search's column lies in: from the prefix up to the prefix with its last
-// character raised (texts compare by their lower case, code point by code point); empty when the
+// character raised (texts compare with A-Z in lower case, code point by code point); empty when the
 // pattern is not a plain prefix ("abc%", no other wildcard).
 QString prefixRange(const QString &column, const QString &pattern)
 {
     if (pattern.size() < 2 || !pattern.endsWith(QLatin1Char('%')) || pattern.chopped(1).contains(QLatin1Char('%'))
         || pattern.contains(QLatin1Char('_')) || pattern.contains(QLatin1Char('\'')) || pattern.at(pattern.size() - 2).isSurrogate())
         return {};
-    const QString prefix = pattern.chopped(1).toLower();
+    QString prefix = pattern.chopped(1);
+    for (QChar &c : prefix) // the server folds A-Z alone, as the file does
+        if (c >= QLatin1Char('A') && c <= QLatin1Char('Z'))
+            c = c.toLower();
     QString above = prefix;
     above.back() = QChar(char16_t(above.back().unicode() + 1));
     return QStringLiteral(" and %1 >= '%2' and %1 < '%3'").arg(column, prefix, above);

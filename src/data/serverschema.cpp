@@ -323,6 +323,20 @@ QString newerServerBooksReason(const ServerVersions &versions)
     return {};
 }
 
+QString serverCharacterTypeStatement()
+{
+    return QStringLiteral("select datctype from pg_database where datname = current_database()");
+}
+
+QString unfitCharacterType(const QString &characterType)
+{
+    if (characterType == QLatin1String("C") || characterType == QLatin1String("POSIX"))
+        return {};
+    return QStringLiteral("the database's character type is %1, under which texts compare alike beyond A-Z (\"É\" and \"é\"); the books "
+                          "need the character type C: createdb --locale=C --encoding=UTF8 --template=template0 NAME")
+        .arg(characterType);
+}
+
 QStringList yearSchemaStatements(const QString &schema)
 {
     QStringList statements{"create schema " + schema};
@@ -393,6 +407,10 @@ void createServerBooks(const QString &connection, const std::function<void(QSqlQ
             return serverMessage(query.lastError());
         if (query.value(0).toInt() != 0)
             return QStringLiteral("the database is not empty; the books are made only in an empty one");
+        if (!query.exec(serverCharacterTypeStatement()) || !query.next())
+            return serverMessage(query.lastError());
+        if (const QString unfit = unfitCharacterType(query.value(0).toString()); !unfit.isEmpty())
+            return unfit;
         if (!query.exec(QStringLiteral("begin")))
             return serverMessage(query.lastError());
         try {

@@ -48,6 +48,13 @@ QString serverVersionsStatement();
 // says it); empty when they are not newer.
 QString newerServerBooksReason(const ServerVersions &versions);
 
+// The statement that reads the character type of the connection's database, and why books
+// cannot be kept in a database of CHARACTERTYPE (empty when they can): a text column compares
+// without regard to case by the database's character type, which must fold A-Z alone, as the
+// file does.
+QString serverCharacterTypeStatement();
+QString unfitCharacterType(const QString &characterType);
+
 // The shop's tables, in the order the file's schema makes them.
 const QVector<ServerTable> &serverTables();
 // The table named NAME (without regard to case), or null.

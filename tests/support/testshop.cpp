@@ -84,9 +84,9 @@ void onServer(const QString &sql)
 
 } // namespace
 
-QString newServerDatabase(const QString &name)
+QString newServerDatabase(const QString &name, const QString &options)
 {
-    onServer(QStringLiteral("create database ") + name);
+    onServer(QStringLiteral("create database ") + name + (options.isEmpty() ? QString() : QLatin1Char(' ') + options));
     return serverDatabase(name);
 }
 

@@ -57,8 +57,9 @@ public:
 // The tests' own PostgreSQL server (tests/support/pgserver) when VANTREL_TEST_SERVER names its
 // folder: the books are then on it. Empty when the tests run on the file.
 QString testServer();
-// A new, empty database NAME on the tests' server; its connection.
-QString newServerDatabase(const QString &name);
+// A new, empty database NAME on the tests' server, made with OPTIONS ("template template0 ...");
+// its connection.
+QString newServerDatabase(const QString &name, const QString &options = {});
 // Fills the books BOOKS names with the shared shop, as the screens write.
 void fillShop(const QString &books);
 
