@@ -12,6 +12,7 @@
 #include <QHBoxLayout>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QSysInfo>
 #include <QVBoxLayout>
 
 namespace vantrel {
@@ -48,6 +49,9 @@ SettingsScreen::SettingsScreen(Services &services, QWidget *parent) : Screen(ser
     m_shopAddress->setText(settings.shopAddress);
     m_booksServer = addField(form, QStringLiteral("Books on a server (blank: the file)"));
     m_booksServer->setText(settings.booksServer);
+    m_counterName = addField(form, QStringLiteral("This counter's name (blank: the computer's)"));
+    m_counterName->setText(settings.counterName);
+    m_counterName->setPlaceholderText(QSysInfo::machineHostName());
 
     auto *buttons = new QHBoxLayout;
     auto *save = new QPushButton(QStringLiteral("&Save"), this);
@@ -74,20 +78,23 @@ void SettingsScreen::saveClicked()
     settings.shopName = m_shopName->text();
     settings.shopAddress = m_shopAddress->text();
     settings.booksServer = m_booksServer->text().trimmed();
+    settings.counterName = m_counterName->text().trimmed();
     if (!settings.booksServer.isEmpty() && !isServerConnection(settings.booksServer)) {
         dialogs().inform(QStringLiteral("The books' server is named as postgresql://role@host/database or service=NAME, or left "
                                         "blank for the file."));
         m_booksServer->setFocus();
         return;
     }
-    const bool moved = settings.booksServer != ProgramSettings::read().booksServer;
+    const ProgramSettings before = ProgramSettings::read();
+    const bool moved = settings.booksServer != before.booksServer, renamed = settings.counterName != before.counterName;
     const bool saved = settings.write();
     m_exportFolder->setText(settings.exportFolderIn(services().programDirectory)); // a cleared one shows the default
     if (!saved)
         dialogs().inform(QStringLiteral("The settings could not be saved."));
     else
-        dialogs().inform(moved ? QStringLiteral("The settings are saved. The books are opened from the new place at the next start.")
-                               : QStringLiteral("The settings are saved."));
+        dialogs().inform(moved     ? QStringLiteral("The settings are saved. The books are opened from the new place at the next start.")
+                         : renamed ? QStringLiteral("The settings are saved. The edit log names this counter so from the next start.")
+                                   : QStringLiteral("The settings are saved."));
 }
 
 } // namespace vantrel
