@@ -230,12 +230,17 @@ private slots:
         QDir(dir.path()).mkdir("years");
         Backups::copyToNewFile(dir.filePath("vantrel.accdb"), dir.filePath("years/2025-26.accdb"));
         file.execute("insert into closedyears(name, closed, file) values('2025-26', '4/2/2026', 'years/2025-26.accdb')");
+        file.execute("insert into sales(invoice,prodname,qty,rate,amount,trans,status) values('99','PANADOL','1','5','5','C','u')");
         const QString server = test::newServerDatabase(QStringLiteral("moved_%1").arg(QCoreApplication::applicationPid()));
         QStringList report = moveFileToServer(dir.filePath("vantrel.accdb"), server);
-        QCOMPARE(report.size(), 11);
+        QCOMPARE(report.size(), 12);
+        // The check finds the lines without their invoice, on the file and on the server alike.
+        QCOMPARE(report.last(), QStringLiteral("the check: Lines without their sales invoice: sales invoice 99 (C): 1 line(s) adding up to 5, the "
+                                               "last in row 6 on both"));
+        report.removeLast();
         QCOMPARE(report.last(), QStringLiteral("the closed year 2025-26: 30 rows into year_2025_26"));
         report.removeLast();
-        QVERIFY2(report.contains("sales: 5 rows") && report.contains("ledger: 3 rows"), qPrintable(report.join(", ")));
+        QVERIFY2(report.contains("sales: 6 rows") && report.contains("ledger: 3 rows"), qPrintable(report.join(", ")));
         // The file's log goes on on the server, entry for entry, then the server's start.
         const QString entries = file.query("select count(*) as n from editlog").text("n");
         QCOMPARE(report.last(), "editlog: " + entries + " entries");

@@ -7,6 +7,7 @@
 #include "data/serverconnection.h"
 #include "data/serverschema.h"
 #include "data/unhandlederror.h"
+#include "shopcheck.h"
 #include "sqlitefile.h"
 
 #include <QDir>
@@ -131,6 +132,15 @@ bool sameTotals(const QStringList &here, const QStringList &there)
     return true;
 }
 
+// What a check found, in a line: "nothing", or each finding with its rows.
+QString findings(const CheckReport &report)
+{
+    QStringList found = report.damage;
+    for (const Finding &finding : report.traces)
+        found << finding.kind + ": " + finding.rows;
+    return found.isEmpty() ? QStringLiteral("nothing") : found.join(QLatin1String("; "));
+}
+
 } // namespace
 
 QStringList moveFileToServer(const QString &file, const QString &connection)
@@ -183,6 +193,11 @@ QStringList moveFileToServer(const QString &file, const QString &connection)
                                      .arg(there));
         report << QStringLiteral("the closed year %1: %2 rows into %3").arg(year.name).arg(year.rows).arg(year.schema);
     }
+    // The check reads the books there as it read them here: the same findings, row for row.
+    const QString checkedHere = findings(checkShopFile(file, CheckDepth::Quick)), checkedThere = findings(checkShopFile(connection, CheckDepth::Quick));
+    if (checkedThere != checkedHere)
+        throw UnhandledError(QStringLiteral("the move is not proven: the check finds %1 on the file and %2 on the server").arg(checkedHere, checkedThere));
+    report << QStringLiteral("the check: %1 on both").arg(checkedHere);
     return report;
 }
 
