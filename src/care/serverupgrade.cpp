@@ -6,6 +6,7 @@
 #include "data/unhandlederror.h"
 #include "serversession.h"
 
+#include <QRegularExpression>
 #include <QSqlDatabase>
 #include <QSqlQuery>
 #include <QSqlRecord>
@@ -20,9 +21,13 @@ QString stepTo(int to, const QStringList &years)
 {
     switch (to) {
     case 2: {
-        // The date functions without a subtransaction each, and the date key with its indexes,
-        // in the books and in every closed year; the version gets its own column.
+        // The date functions without a subtransaction each, the date key with its indexes in the
+        // books and in every closed year, the file's indexes with a null first; the version gets
+        // its own column.
         QString text = QString::fromLatin1(serverDateFunctionsText()) + serverDateKeysText();
+        static const QRegularExpression name(QStringLiteral("^create index (\\w+) "));
+        for (const QString &index : serverFileIndexes())
+            text += QStringLiteral("drop index %1;\n%2\n").arg(name.match(index).captured(1), index);
         for (const QString &year : years)
             text += serverDateKeysText(year);
         return text + QStringLiteral("alter table schemaversion add column server integer;\nanalyze salesmain;\nanalyze purchasemain;\n");

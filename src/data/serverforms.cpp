@@ -126,7 +126,7 @@ QString tableOrder(const QString &sql)
         return sql;
     const QString list = m.captured(1).trimmed() == QLatin1String("*") ? columns.join(QLatin1Char(',')) : m.captured(1);
     const QRegularExpressionMatch byName = prefix.match(m.captured(3));
-    const QString order = byName.hasMatch() ? byName.captured(1) + QStringLiteral(", rowid") : QStringLiteral("rowid");
+    const QString order = byName.hasMatch() ? byName.captured(1) + QStringLiteral(" nulls first, rowid") : QStringLiteral("rowid");
     return QStringLiteral("select %1 from %2%3 order by %4").arg(list, m.captured(2), m.captured(3), order);
 }
 

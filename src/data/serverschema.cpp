@@ -5,6 +5,7 @@
 #include "servereditlog.h"
 #include "unhandlederror.h"
 
+#include <QRegularExpression>
 #include <QSqlDatabase>
 #include <QSqlQuery>
 
@@ -220,6 +221,22 @@ end $$;
 )sql";
 }
 
+QStringList serverFileIndexes()
+{
+    static const QRegularExpression index(QStringLiteral("^create index (\\w+) on (\\w+)\\(([\\w, ]+)\\);$"));
+    QStringList statements;
+    for (const QString &line : QString::fromLatin1(schemaText()).split(QLatin1Char('\n'))) {
+        const QRegularExpressionMatch m = index.match(line);
+        if (!m.hasMatch())
+            continue;
+        QStringList columns = m.captured(3).split(QLatin1Char(','));
+        for (QString &column : columns)
+            column = column.trimmed() + QStringLiteral(" nulls first");
+        statements << QStringLiteral("create index %1 on %2(%3);").arg(m.captured(1), m.captured(2), columns.join(QStringLiteral(", ")));
+    }
+    return statements;
+}
+
 QString serverDateKeysText(const QString &schema)
 {
     QString text;
@@ -291,11 +308,7 @@ QString serverSchemaText()
     QString text = QString::fromLatin1(functionsText()) + QString::fromLatin1(serverDateFunctionsText());
     for (const ServerTable &table : serverTables())
         text += tableText(table);
-    // The file's indexes, which the server's tables take as they stand.
-    for (const QString &line : QString::fromLatin1(schemaText()).split(QLatin1Char('\n')))
-        if (line.startsWith(QLatin1String("create index ")))
-            text += line + QLatin1Char('\n');
-    text += serverDateKeysText();
+    text += serverFileIndexes().join(QLatin1Char('\n')) + QLatin1Char('\n') + serverDateKeysText();
     // The closed years, each kept in a schema of its own that the year's close makes.
     text += QStringLiteral("create table closedyears(name citext collate \"C\", closed citext collate \"C\", file citext collate \"C\", "
                            "rowid bigint generated always as identity primary key);\n");

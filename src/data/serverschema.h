@@ -34,7 +34,7 @@ struct ServerTable {
 
 // The version of what the server's books hold beyond the file's schema (the server's own
 // functions and indexes), recorded beside the schema's version: 1 for books that record none.
-// 2: the registers' date keys.
+// 2: the registers' date keys, the file's indexes with a null first.
 constexpr int CurrentServerSchemaVersion = 2;
 
 // The versions books on a server record: the schema's and the server's own.
@@ -66,6 +66,10 @@ QStringList receiptColumns();
 // the indexes, the guards, and the functions the system's statements call (cdate, and the
 // system's format as vformat, since the server has a format of its own).
 QString serverSchemaText();
+// The file's indexes as the server keeps them, a statement each: every column in the file's
+// order, a null first (so that an index serves the order the file gives, which sorts a null
+// first).
+QStringList serverFileIndexes();
 // The date functions (cdate, vformat, the date key a register's span compares), each made or
 // replaced.
 const char *serverDateFunctionsText();
