@@ -404,6 +404,23 @@ private slots:
         QCOMPARE(alignments("select refno, type from ledger", 0), QStringLiteral("-RL"));
     }
 
+    // A grid on the server reads page after growing page to its last row, on a connection made
+    // afresh after the server was lost as on the first.
+    void aServerGridReadsEveryPageAfterAReconnect()
+    {
+        if (test::testServer().isEmpty())
+            QSKIP("no test server (VANTREL_TEST_SERVER)");
+        test::TestShop shop;
+        shop.exec("with recursive n(i) as (select 1 union all select i+1 from n where i<5000) insert into salesmain(invoice,dat,trans) select i,'11/23/2026','C' from n");
+        shop.endServerConnections();
+        QCOMPARE(shop.db().reconnect(), QString());
+        Grid grid(QStringLiteral("lines grid"));
+        grid.bind(shop.db(), "select invoice from salesmain order by invoice");
+        QCOMPARE(grid.text(1234, 0), QStringLiteral("1234"));
+        QCOMPARE(grid.text(5000, 0), QStringLiteral("5000"));
+        QCOMPARE(grid.rows(), 5001);
+    }
+
     // Idle time or a walk reads the rest; until then the grid shows the file as it was at its bind
     // while writes go to disk at once. A row that fails late is reported by walk and idle alike.
     void largeResultsReadLazilyAsTheFileWasWhenBound()

@@ -20,6 +20,7 @@
 #include <QSqlResult>
 #include <QTimeZone>
 #include <sqlite3.h>
+#include <algorithm>
 #include <utility>
 
 namespace vantrel {
@@ -276,7 +277,7 @@ void Database::giveBack(const QString &reader)
 
 PendingQuery::PendingQuery(PendingQuery &&other) noexcept
     : m_db(std::exchange(other.m_db, nullptr)), m_connection(std::move(other.m_connection)), m_sql(std::move(other.m_sql)),
-      m_query(std::move(other.m_query))
+      m_query(std::move(other.m_query)), m_connections(other.m_connections), m_pageRows(other.m_pageRows), m_figures(std::move(other.m_figures))
 {
 }
 
@@ -288,6 +289,9 @@ PendingQuery &PendingQuery::operator=(PendingQuery &&other) noexcept
         m_connection = std::move(other.m_connection);
         m_sql = std::move(other.m_sql);
         m_query = std::move(other.m_query);
+        m_connections = other.m_connections;
+        m_pageRows = other.m_pageRows;
+        m_figures = std::move(other.m_figures);
     }
     return *this;
 }
@@ -308,9 +312,9 @@ sqlite3_stmt *PendingQuery::statement() const
 
 namespace {
 
-// A grid's page of rows from the server: a screenful and more, so that walking a list rarely
-// waits for the next.
-const int PageRows = 200;
+// A grid's first page of rows from the server: a screenful and more, so that walking a list
+// rarely waits for the next; the pages after it grow to the last size.
+const int FirstPageRows = 200, LastPageRows = 6400;
 
 } // namespace
 
@@ -318,6 +322,7 @@ void PendingQuery::openCursor(const QString &engineSql)
 {
     m_query = QSqlQuery(QSqlDatabase::database(m_connection, false));
     m_query.setForwardOnly(false); // each page read whole, so that other statements may run between
+    m_pageRows = 0;
     if (!m_query.exec(QStringLiteral("begin isolation level repeatable read read only"))
         || !m_query.exec(QStringLiteral("declare vantrel_rows no scroll cursor for ") + engineSql) || !fetchPage())
         m_db->fail(m_query);
@@ -325,7 +330,8 @@ void PendingQuery::openCursor(const QString &engineSql)
 
 bool PendingQuery::fetchPage()
 {
-    return m_query.exec(QStringLiteral("fetch %1 from vantrel_rows").arg(PageRows));
+    m_pageRows = m_pageRows == 0 ? FirstPageRows : std::min(2 * m_pageRows, LastPageRows);
+    return m_query.exec(QStringLiteral("fetch %1 from vantrel_rows").arg(m_pageRows));
 }
 
 QStringList PendingQuery::columnNames() const
@@ -354,7 +360,7 @@ bool PendingQuery::stepRow(QString &failure)
     if (m_db && m_db->m_server && m_connections != m_db->m_connections)
         return false; // its connection was opened afresh: the rows end where they stood
     if (m_db && m_db->m_server) {
-        if (m_query.next() || (m_query.size() == PageRows && fetchPage() && m_query.next()))
+        if (m_query.next() || (m_query.size() == m_pageRows && fetchPage() && m_query.next()))
             return true;
         if (m_query.lastError().isValid())
             failure = m_db->messageOf(m_query.lastError());

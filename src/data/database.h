@@ -50,7 +50,9 @@ private:
     // Which columns hold a figure (on the server), read from the first row's result.
     const QVector<bool> &figures(int columns) const;
     // On the server: the rows come through a cursor, a page at a time, in a read-only
-    // transaction whose snapshot the query keeps; the next page is fetched when one is read.
+    // transaction whose snapshot the query keeps; the next page is fetched when one is read,
+    // each twice the one before up to a limit (a screenful first; a printout of every row in
+    // few round trips).
     void openCursor(const QString &engineSql);
     bool fetchPage();
 
@@ -60,6 +62,7 @@ private:
     QString m_sql;
     QSqlQuery m_query;
     int m_connections = 0; // the database's connections it was opened on
+    int m_pageRows = 0;    // the rows the last page asked for
     mutable QVector<bool> m_figures;
 };
 
