@@ -323,9 +323,24 @@ void PendingQuery::openCursor(const QString &engineSql)
     m_query = QSqlQuery(QSqlDatabase::database(m_connection, false));
     m_query.setForwardOnly(false); // each page read whole, so that other statements may run between
     m_pageRows = 0;
-    if (!m_query.exec(QStringLiteral("begin isolation level repeatable read read only"))
+    if (!m_query.exec(QStringLiteral("begin isolation level repeatable read read only")) || !planForFirstRows()
         || !m_query.exec(QStringLiteral("declare vantrel_rows no scroll cursor for ") + engineSql) || !fetchPage())
         m_db->fail(m_query);
+}
+
+// The product search finds every match through the name's index and sorts them, which is the
+// quicker when few match; when many do, its first screenful comes at once by walking the index
+// that holds its groups in order, a plan for the first rows (the file's own form does the same).
+bool PendingQuery::planForFirstRows()
+{
+    const ProductSearch search = productSearchOf(m_sql);
+    if (search.matches.isEmpty())
+        return true;
+    if (!m_query.exec(serverForm(search.matches.mid(1).chopped(1))) || !m_query.next()) // the count without its brackets
+        return false;
+    if (m_query.value(0).toInt() <= ManyMatchingProducts)
+        return true;
+    return m_query.exec(QStringLiteral("set local cursor_tuple_fraction = 0.02"));
 }
 
 bool PendingQuery::fetchPage()

@@ -54,6 +54,7 @@ private:
     // each twice the one before up to a limit (a screenful first; a printout of every row in
     // few round trips).
     void openCursor(const QString &engineSql);
+    bool planForFirstRows();
     bool fetchPage();
 
     friend class Database;

@@ -7,7 +7,6 @@ namespace vantrel {
 namespace {
 
 // From this many matching products on, the product search walks the key index.
-const int ManyMatches = 400;
 
 } // namespace
 
@@ -79,20 +78,28 @@ QString dateSpan(const QString &sql)
 // types from the first.
 QString productSearch(const QString &sql)
 {
+    const ProductSearch search = productSearchOf(sql);
+    if (search.pattern.isEmpty())
+        return sql;
+    return QStringLiteral("%1 where +p.prodname like %2 and %3 > %5 %4 union all %1 where p.prodname like %2 and %3 <= %5 %4")
+        .arg(search.select, search.pattern, search.matches, search.grouping, QString::number(ManyMatchingProducts));
+}
+
+} // namespace
+
+ProductSearch productSearchOf(const QString &sql)
+{
     static const QRegularExpression search(
         QStringLiteral(R"(^(select p\.prodname,sum\(s\.stk\) as stk,p\.boxno,p\.cmpid,p\.psrno from productmaster p left join stock s )"
                        R"(on p\.cmpid=s\.cmpid and p\.psrno=s\.psrno) where p\.prodname like ('[^']*') )"
                        R"((group by p\.cmpid,p\.psrno,p\.prodname,p\.boxno)$)"),
         QRegularExpression::CaseInsensitiveOption);
-    const QRegularExpressionMatch m = search.match(sql);
+    const QRegularExpressionMatch m = search.match(leftJoinForm(sql));
     if (!m.hasMatch())
-        return sql;
-    const QString matches = QStringLiteral("(select count(*) from productmaster where prodname like %1)").arg(m.captured(2));
-    return QStringLiteral("%1 where +p.prodname like %2 and %3 > %5 %4 union all %1 where p.prodname like %2 and %3 <= %5 %4")
-        .arg(m.captured(1), m.captured(2), matches, m.captured(3), QString::number(ManyMatches));
+        return {};
+    return {m.captured(1), m.captured(2), m.captured(3),
+            QStringLiteral("(select count(*) from productmaster where prodname like %1)").arg(m.captured(2))};
 }
-
-} // namespace
 
 QString engineForm(const QString &sql)
 {

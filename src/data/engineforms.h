@@ -22,6 +22,19 @@ QString engineForm(const QString &sql);
 // SQL with each stretch outside quotes passed through REWRITE; the values stand as they are.
 QString outsideValues(const QString &sql, QString (*rewrite)(QString outside));
 
+// When this many products or more match the invoice screens' product search, its first screenful
+// comes quicker by walking the index that holds its groups in order than by finding every match
+// through the name's index and sorting them.
+constexpr int ManyMatchingProducts = 400;
+
+// The invoice screens' product search, in its parts: the select up to "where", the pattern in
+// quotes, the grouping, and a statement counting the products it matches; all empty for any
+// other statement.
+struct ProductSearch {
+    QString select, pattern, grouping, matches;
+};
+ProductSearch productSearchOf(const QString &sql);
+
 // The statement with its right joins written as the equivalent left joins (the first rewrite
 // above), which every engine plans better.
 QString leftJoinForm(const QString &sql);
