@@ -70,6 +70,17 @@ private slots:
                     .endsWith(": the database's character type is C.UTF-8, under which texts compare alike beyond A-Z (\"É\" and \"é\"); the books "
                               "need the character type C: createdb --locale=C --encoding=UTF8 --template=template0 NAME"));
         QVERIFY(test::errorOf([&] { Database db(folding); }).endsWith("the database holds no books (vantrel-initdb makes them in an empty database)"));
+        { // books made there by other means are named by the check
+            QSqlDatabase other = QSqlDatabase::addDatabase(QStringLiteral("QPSQL"), QStringLiteral("other means"));
+            other.setConnectOptions(serverConnectOptions(folding));
+            QVERIFY(other.open());
+            QCOMPARE(runServerScript(other, serverSchemaText()), QString());
+            other.close();
+        }
+        QSqlDatabase::removeDatabase(QStringLiteral("other means"));
+        const CheckReport folded = checkShopFile(folding, CheckDepth::Quick);
+        QVERIFY2(folded.text().contains("The books' database compares texts unlike the file: the database's character type is C.UTF-8, "),
+                 qPrintable(folded.text()));
         test::TestShop shop(test::TestShop::Filled);
         QVERIFY(test::errorOf([&] { createServerBooks(shop.books()); }).endsWith(QStringLiteral(": the database is not empty; the books are made only in an empty one")));
         QCOMPARE(shop.rows(QStringLiteral("select count(*) from salesmain")), (QList<QStringList>{{"3"}}));

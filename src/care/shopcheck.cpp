@@ -2,6 +2,7 @@
 
 #include "care/editlogcheck.h"
 #include "data/records.h"
+#include "data/serverschema.h"
 #include "sqlitefile.h"
 #include "unreadabledates.h"
 
@@ -61,7 +62,12 @@ public:
     // The server keeps its own pages; the file's are read here.
     void pages()
     {
-        if (m_depth == CheckDepth::Quick || m_forms.server)
+        if (m_forms.server) { // the server keeps its pages; how its texts compare is the books'
+            if (const QString unfit = unfitCharacterType(m_file.firstColumn(serverCharacterTypeStatement()).value(0)); !unfit.isEmpty())
+                trace(QStringLiteral("The books' database compares texts unlike the file"), unfit);
+            return;
+        }
+        if (m_depth == CheckDepth::Quick)
             return;
         const QStringList lines = m_file.firstColumn(QStringLiteral("pragma integrity_check"));
         m_report.pagesChecked = true;
