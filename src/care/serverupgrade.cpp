@@ -82,10 +82,11 @@ QString ServerUpgrade::notice() const
 ServerUpgrade bringServerToCurrentSchema(const QString &connection, const std::function<bool(const QString &)> &waiting)
 {
     ServerSession books(connection, ServerSession::Mode::Statements);
-    ServerUpgrade result;
-    result.from = result.to = versionsOf(books).server;
-    if (const QString newer = newerServerBooksReason(versionsOf(books)); !newer.isEmpty())
+    const ServerVersions versions = versionsOf(books);
+    if (const QString newer = newerServerBooksReason(versions); !newer.isEmpty())
         throw UnhandledError(QStringLiteral("The books were ") + newer);
+    ServerUpgrade result;
+    result.from = result.to = versions.server;
     while (result.from < CurrentServerSchemaVersion) {
         if (const QStringList others = othersConnected(books); !others.isEmpty()) {
             if (!waiting(others.join(QStringLiteral(", "))))
