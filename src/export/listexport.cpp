@@ -13,7 +13,7 @@ ExportResult exportGrid(Grid &grid, const QString &folder, const QString &name, 
     for (int row = 0; row < rows; ++row) {
         QVector<ListCell> line;
         for (int col = first; col < cols; ++col)
-            line << (row == 0 ? ListCell{ListCell::Text, grid.text(row, col)} : ListCell::of(grid.text(row, col), grid.holdsNumber(row, col)));
+            line << (row == 0 ? ListCell{ListCell::Text, grid.text(row, col), 0, {}} : ListCell::of(grid.text(row, col), grid.holdsNumber(row, col)));
         cells << line;
     }
     return writeList(cells, folder, name, format);
