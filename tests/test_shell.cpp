@@ -117,7 +117,7 @@ private slots:
         QCOMPARE(test::errorOf([&] { Program(shop.directory(), shop.dialogs, shop.clock, [](const QString &) {}); }),
                  QStringLiteral("Cannot open the database file %1/vantrel.accdb: unable to open database file").arg(shop.directory()));
         QCOMPARE(int(QApplication::topLevelWidgets().size()), windowsBefore);
-        QVERIFY(test::errorOf([&] { LinePrinter(shop.directory()).print({"LOST"}); }).startsWith("Cannot open the printer " + shop.directory() + "/LPT1"));
+        QVERIFY(test::errorOf([&] { LinePrinter(shop.directory()).print("LOST\r\n"); }).startsWith("Cannot open the printer " + shop.directory() + "/LPT1"));
     }
 };
 

@@ -45,16 +45,13 @@ LinePrinter::LinePrinter(const QString &programDirectory)
 {
 }
 
-void LinePrinter::print(const QStringList &lines) const
+void LinePrinter::print(const QByteArray &bytes) const
 {
     QFile device(m_devicePath);
     if (!device.open(QIODevice::WriteOnly | QIODevice::Truncate))
         throw UnhandledError(QStringLiteral("Cannot open the printer %1: %2").arg(m_devicePath, device.errorString()));
-    // The file buffers the writes itself.
-    for (const QString &line : lines) {
-        if (device.write(line.toUtf8()) < 0 || device.write("\r\n", 2) < 0)
-            throw UnhandledError(QStringLiteral("Cannot write to the printer %1: %2").arg(m_devicePath, device.errorString()));
-    }
+    if (device.write(bytes) != bytes.size() || !device.flush())
+        throw UnhandledError(QStringLiteral("Cannot write to the printer %1: %2").arg(m_devicePath, device.errorString()));
     device.close();
 }
 

@@ -21,9 +21,9 @@ class LinePrinter {
 public:
     explicit LinePrinter(const QString &programDirectory);
 
-    // Throws UnhandledError with the file error when the device cannot be opened (nothing is
-    // written then) or a line cannot be written.
-    void print(const QStringList &lines) const;
+    // Writes BYTES, the lines each ended by CR LF. Throws UnhandledError with the file error when
+    // the device cannot be opened (nothing is written then) or the bytes cannot be written.
+    void print(const QByteArray &bytes) const;
 
 private:
     QString m_devicePath;

@@ -14,6 +14,13 @@ namespace {
 
 QString keptCopy(const QString &programDirectory) { return QDir(programDirectory).filePath(QStringLiteral("last printout.txt")); }
 
+QStringList linesOf(const QByteArray &printout)
+{
+    QStringList lines = QString::fromUtf8(printout).split(QStringLiteral("\r\n"));
+    lines.removeLast(); // after the last line's end
+    return lines;
+}
+
 } // namespace
 
 QStringList printoutHead(int indent, bool spaced)
@@ -28,24 +35,36 @@ QStringList printoutHead(int indent, bool spaced)
     return head;
 }
 
-QByteArray printoutBytes(const QStringList &lines)
+Printout &Printout::operator<<(const QString &line)
 {
-    QByteArray bytes;
-    for (const QString &line : lines)
-        bytes += line.toUtf8() + "\r\n";
-    return bytes;
+    m_bytes += line.toUtf8();
+    m_bytes += "\r\n";
+    ++m_lines;
+    return *this;
 }
 
-QString deliverPrintout(const QString &programDirectory, const QString &queue, const QString &document, const QStringList &lines)
+Printout &Printout::operator<<(const QStringList &lines)
+{
+    for (const QString &line : lines)
+        *this << line;
+    return *this;
+}
+
+QStringList Printout::lines() const
+{
+    return linesOf(m_bytes);
+}
+
+QString deliverPrintout(const QString &programDirectory, const QString &queue, const QString &document, const Printout &printout)
 {
     if (queue.isEmpty()) {
-        LinePrinter(programDirectory).print(lines);
-    } else if (const QString refused = printRaw(queue, document, printoutBytes(lines)); !refused.isEmpty()) {
+        LinePrinter(programDirectory).print(printout.bytes());
+    } else if (const QString refused = printRaw(queue, document, printout.bytes()); !refused.isEmpty()) {
         return refused;
     }
     QSaveFile copy(keptCopy(programDirectory)); // what Tools > Last Printout shows
     if (copy.open(QIODevice::WriteOnly)) {
-        copy.write(printoutBytes(lines));
+        copy.write(printout.bytes());
         copy.commit();
     }
     return QString();
@@ -56,9 +75,7 @@ QStringList lastPrintout(const QString &programDirectory)
     QFile kept(keptCopy(programDirectory));
     if (!kept.open(QIODevice::ReadOnly))
         return {};
-    QStringList lines = QString::fromUtf8(kept.readAll()).split(QStringLiteral("\r\n"));
-    lines.removeLast(); // after the last line's end
-    return lines;
+    return linesOf(kept.readAll());
 }
 
 } // namespace vantrel

@@ -63,7 +63,7 @@ void LastPrintoutScreen::saveTextClicked()
     const QString folder = ProgramSettings::read().exportFolderIn(services().programDirectory);
     const QString path = freeExportPath(folder, QStringLiteral("Last printout"), QStringLiteral(".txt"));
     QSaveFile file(path);
-    const bool saved = QDir().mkpath(folder) && file.open(QIODevice::WriteOnly) && file.write(printoutBytes(m_lines)) >= 0 && file.commit();
+    const bool saved = QDir().mkpath(folder) && file.open(QIODevice::WriteOnly) && file.write(Printout(m_lines).bytes()) >= 0 && file.commit();
     tellSaved(path, saved ? QString() : file.errorString());
 }
 

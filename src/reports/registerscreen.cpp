@@ -117,18 +117,17 @@ void RegisterScreen::printClicked()
 {
     const QString rule(46, QLatin1Char('='));
     const QString dashes(46, QLatin1Char('-'));
-    QStringList lines = printoutHead(15, true) << rule;
-    lines << titleLines();
-    lines << m_fromLabel + spaces(1) + m_from->text() + spaces(3) + m_toLabel + spaces(1) + m_to->text();
-    lines << rule;
-    lines << m_register->text(0, 1) + spaces(3) + m_register->text(0, 2) + spaces(5) + m_register->text(0, 3) + spaces(7)
-                 + m_register->text(0, 4) + spaces(2) + m_register->text(0, 5);
-    lines << dashes;
+    Printout printout = printoutHead(15, true) << rule;
+    printout << titleLines();
+    printout << m_fromLabel + spaces(1) + m_from->text() + spaces(3) + m_toLabel + spaces(1) + m_to->text();
+    printout << rule;
+    printout << m_register->text(0, 1) + spaces(3) + m_register->text(0, 2) + spaces(5) + m_register->text(0, 3) + spaces(7)
+                    + m_register->text(0, 4) + spaces(2) + m_register->text(0, 5);
+    printout << dashes;
     const int rows = m_register->rows();
-    lines.reserve(lines.size() + rows + 3);
+    QString line;
     for (int row = 1; row < rows; ++row) {
-        QString line(2, QLatin1Char(' '));
-        line.reserve(46);
+        line.fill(QLatin1Char(' '), 2);
         appendPaddedRight(line, m_register->text(row, 1), 5);
         line += QLatin1Char(' ');
         appendPaddedRight(line, m_register->text(row, 2), 10);
@@ -138,10 +137,10 @@ void RegisterScreen::printClicked()
         appendPaddedRight(line, m_register->text(row, 4), 1);
         line += QLatin1Char(' ');
         appendPaddedLeft(line, m_register->text(row, 5), 7);
-        lines << line;
+        printout << line;
     }
-    lines << dashes << "Total (Rs.)" + spaces(28) + m_total->text() << rule;
-    printLines(m_kind.title + " " + m_from->text() + " to " + m_to->text(), lines);
+    printout << dashes << "Total (Rs.)" + spaces(28) + m_total->text() << rule;
+    printLines(m_kind.title + " " + m_from->text() + " to " + m_to->text(), printout);
 }
 
 } // namespace vantrel

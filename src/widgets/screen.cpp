@@ -71,13 +71,13 @@ void Screen::setKeysHint(const QString &ownKeys)
     m_keysHint = ownKeys + QStringLiteral(" \u00b7 ") + menuKeys();
 }
 
-void Screen::printLines(const QString &document, const QStringList &lines)
+void Screen::printLines(const QString &document, const Printout &printout)
 {
     const ProgramSettings settings = ProgramSettings::read();
-    QString said = QStringLiteral("Printed %1: %2 lines").arg(document).arg(lines.size());
-    if (settings.previewPrintouts && !dialogs().previewPrintout(document, lines)) {
+    QString said = QStringLiteral("Printed %1: %2 lines").arg(document).arg(printout.lineCount());
+    if (settings.previewPrintouts && !dialogs().previewPrintout(document, printout.lines())) {
         said = QStringLiteral("Not printed: %1 (dropped at the preview)").arg(document);
-    } else if (const QString refused = deliverPrintout(m_services.programDirectory, settings.printQueue, document, lines); !refused.isEmpty()) {
+    } else if (const QString refused = deliverPrintout(m_services.programDirectory, settings.printQueue, document, printout); !refused.isEmpty()) {
         dialogs().inform(QStringLiteral("%1 was not printed: the printer %2 refused it.\nThe printing system says: %3").arg(document, settings.printQueue, refused));
         said = QStringLiteral("Not printed: %1 (the printer %2: %3)").arg(document, settings.printQueue, refused);
     }

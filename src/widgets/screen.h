@@ -1,5 +1,6 @@
 #pragma once
 
+#include "output/printout.h"
 #include "services.h"
 
 #include <QWidget>
@@ -78,13 +79,13 @@ protected:
     // A grid named by its role, inside PARENT (the screen itself when null); rows it fails to
     // read later go to the unhandled-error handler.
     Grid *makeGrid(const QString &accessibleName, QWidget *parent = nullptr);
-    // Sends LINES where the settings say (see deliverPrintout), after the preview when the
+    // Sends PRINTOUT where the settings say (see deliverPrintout), after the preview when the
     // settings want one (Dialogs answers whether to print), and tells the operator on the status
     // line which DOCUMENT went there and how many lines it took, or why it did not go (dropped
     // at the preview; refused by the queue, told in a message box too, naming the printer and the
     // print system's reason). The screen keeps its document either way. Throws UnhandledError
     // when the printer file cannot be written.
-    void printLines(const QString &document, const QStringList &lines);
+    void printLines(const QString &document, const Printout &printout);
     void keepNaturalSize() { m_fillsArea = false; }
     // The screen's own keys, before the ones every screen has.
     void setKeysHint(const QString &ownKeys);
