@@ -108,7 +108,7 @@ private slots:
         QCOMPARE(QList<int>({a->activations, b->activations}), QList<int>({2, 1}));
     }
 
-    // No window without the database; a printer that cannot be opened ends the print.
+    // No window without the database; a printer that cannot be opened or written ends the print.
     void aMissingDatabaseOrPrinterEndsWithAMessage()
     {
         test::TestShop shop;
@@ -118,6 +118,10 @@ private slots:
                  QStringLiteral("Cannot open the database file %1/vantrel.accdb: unable to open database file").arg(shop.directory()));
         QCOMPARE(int(QApplication::topLevelWidgets().size()), windowsBefore);
         QVERIFY(test::errorOf([&] { LinePrinter(shop.directory()).print("LOST\r\n"); }).startsWith("Cannot open the printer " + shop.directory() + "/LPT1"));
+        // A printer on a full disk: the print ends with the reason, not a file cut short in silence.
+        QVERIFY(QDir(shop.directory()).rmdir("LPT1") && QFile::link("/dev/full", shop.directory() + "/LPT1"));
+        QCOMPARE(test::errorOf([&] { LinePrinter(shop.directory()).print("LOST\r\n"); }),
+                 "Cannot write to the printer " + shop.directory() + "/LPT1: No space left on device");
     }
 };
 

@@ -16,6 +16,7 @@
 #include <QRegularExpression>
 #include <QSqlDriver>
 #include <QSqlError>
+#include <QSqlField>
 #include <QSqlRecord>
 #include <QSqlResult>
 #include <QTimeZone>
@@ -277,7 +278,7 @@ void Database::giveBack(const QString &reader)
 
 PendingQuery::PendingQuery(PendingQuery &&other) noexcept
     : m_db(std::exchange(other.m_db, nullptr)), m_connection(std::move(other.m_connection)), m_sql(std::move(other.m_sql)),
-      m_query(std::move(other.m_query)), m_connections(other.m_connections), m_pageRows(other.m_pageRows), m_figures(std::move(other.m_figures))
+      m_query(std::move(other.m_query)), m_connections(other.m_connections), m_pageRows(other.m_pageRows), m_columns(std::move(other.m_columns))
 {
 }
 
@@ -291,7 +292,7 @@ PendingQuery &PendingQuery::operator=(PendingQuery &&other) noexcept
         m_query = std::move(other.m_query);
         m_connections = other.m_connections;
         m_pageRows = other.m_pageRows;
-        m_figures = std::move(other.m_figures);
+        m_columns = std::move(other.m_columns);
     }
     return *this;
 }
@@ -363,11 +364,16 @@ QString PendingQuery::failureMessage() const
     return m_db ? m_db->messageOf(m_query.lastError()) : Database::engineMessage(m_query.lastError());
 }
 
-const QVector<bool> &PendingQuery::figures(int columns) const
+const PendingQuery::ServerColumns &PendingQuery::serverColumns(int columns) const
 {
-    if (m_figures.isEmpty())
-        m_figures = serverFigureColumns(m_query.result()->handle(), columns);
-    return m_figures;
+    if (m_columns.figures.isEmpty()) {
+        m_columns.figures = serverFigureColumns(m_query.result()->handle(), columns);
+        const QSqlRecord record = m_query.record();
+        m_columns.texts.fill(false, columns);
+        for (int i = 0; i < columns; ++i)
+            m_columns.texts[i] = !m_columns.figures[i] && record.field(i).metaType().id() == QMetaType::QString;
+    }
+    return m_columns;
 }
 
 bool PendingQuery::stepRow(QString &failure)
@@ -391,12 +397,18 @@ bool PendingQuery::stepRow(QString &failure)
 void PendingQuery::appendRow(int columns, QByteArray &text, QVector<quint32> &cellEnds, std::vector<bool> &numbers) const
 {
     if (m_db && m_db->m_server) {
-        const QVector<bool> &figure = figures(columns);
+        const ServerColumns &kinds = serverColumns(columns);
+        const QVariant result = m_query.result()->handle();
         for (int i = 0; i < columns; ++i) {
-            const QVariant value = storedValue(m_query, i, figure[i]);
-            const int type = value.typeId();
-            numbers.push_back(!value.isNull() && (type == QMetaType::Double || type == QMetaType::Int || type == QMetaType::LongLong));
-            text += displayText(value).toUtf8();
+            if (kinds.texts[i]) {
+                text += serverCellText(result, m_query.at(), i);
+                numbers.push_back(false);
+            } else {
+                const QVariant value = storedValue(m_query, i, kinds.figures[i]);
+                const int type = value.typeId();
+                numbers.push_back(!value.isNull() && (type == QMetaType::Double || type == QMetaType::Int || type == QMetaType::LongLong));
+                text += displayText(value).toUtf8();
+            }
             cellEnds << quint32(text.size());
         }
         return;
@@ -432,7 +444,7 @@ void PendingQuery::close()
     if (m_db->m_server) // ends the cursor and its transaction, whatever state they are in
         m_query.exec(QStringLiteral("rollback"));
     m_query = QSqlQuery();
-    m_figures.clear();
+    m_columns = {};
     std::exchange(m_db, nullptr)->giveBack(m_connection);
 }
 

@@ -47,8 +47,13 @@ public:
 private:
     // The engine's statement under the query; null when the query is not open, or on the server.
     sqlite3_stmt *statement() const;
-    // Which columns hold a figure (on the server), read from the first row's result.
-    const QVector<bool> &figures(int columns) const;
+    // On the server, what each column holds, read from the first row's result: a table's figure
+    // (a text made a number), or a text the grid shows as the server sent it (what the driver
+    // would make a text of, with nothing to convert), or a value the driver converts.
+    struct ServerColumns {
+        QVector<bool> figures, texts;
+    };
+    const ServerColumns &serverColumns(int columns) const;
     // On the server: the rows come through a cursor, a page at a time, in a read-only
     // transaction whose snapshot the query keeps; the next page is fetched when one is read,
     // each twice the one before up to a limit (a screenful first; a printout of every row in
@@ -64,7 +69,7 @@ private:
     QSqlQuery m_query;
     int m_connections = 0; // the database's connections it was opened on
     int m_pageRows = 0;    // the rows the last page asked for
-    mutable QVector<bool> m_figures;
+    mutable ServerColumns m_columns;
 };
 
 // The one connection to the shop's books, through which every statement runs: the database file,

@@ -141,6 +141,14 @@ QVector<bool> serverFigureColumns(const QVariant &resultHandle, int columns)
     return figures;
 }
 
+QByteArrayView serverCellText(const QVariant &resultHandle, int row, int column)
+{
+    if (qstrcmp(resultHandle.typeName(), "PGresult*") != 0 && qstrcmp(resultHandle.typeName(), "pg_result*") != 0)
+        return {};
+    const PGresult *result = *static_cast<PGresult *const *>(resultHandle.constData());
+    return result ? QByteArrayView(PQgetvalue(result, row, column), PQgetlength(result, row, column)) : QByteArrayView();
+}
+
 bool serverConnectionBroken(const QSqlDriver *driver)
 {
     const QVariant handle = driver ? driver->handle() : QVariant();

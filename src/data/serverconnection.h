@@ -50,6 +50,10 @@ QString serverMessage(const QSqlError &error);
 // driver's handle of the result; empty when the handle is not the server's.
 QVector<bool> serverFigureColumns(const QVariant &resultHandle, int columns);
 
+// The text the server sent for the cell at ROW, COLUMN of the result under a server query (its
+// UTF-8, empty for a null); empty when the handle is not the server's.
+QByteArrayView serverCellText(const QVariant &resultHandle, int row, int column);
+
 // A figure as the file holds it: a number when the text is one (the server keeps a number as its
 // shortest text), else the text as typed.
 QVariant figureValue(const QString &text);
