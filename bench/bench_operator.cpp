@@ -116,8 +116,9 @@ private:
     sqlite3 *m_db = nullptr;
 };
 
-// The server's copy, a database of its own made from the same books, read through the driver
-// (the rows are read into memory, as a query of the screens is).
+// The server's copy, a database of its own made from the same books, read through the driver to
+// its last row, a page at a time as a grid reads it (the rows kept by none: the peak memory is
+// the program's).
 class BareServer final : public Bare {
 public:
     explicit BareServer(const QString &connection) : m_db(connection) {}
@@ -125,9 +126,12 @@ public:
     {
         const double start = nowMs();
         try {
-            if (sql.startsWith(QLatin1String("select"), Qt::CaseInsensitive) || sql.startsWith(QLatin1String("with"), Qt::CaseInsensitive))
-                m_db.query(sql);
-            else
+            if (sql.startsWith(QLatin1String("select"), Qt::CaseInsensitive) || sql.startsWith(QLatin1String("with"), Qt::CaseInsensitive)) {
+                PendingQuery rows = m_db.startQuery(sql);
+                QString failure;
+                while (rows.stepRow(failure)) {
+                }
+            } else
                 m_db.execute(sql);
         } catch (const UnhandledError &) {
         }
