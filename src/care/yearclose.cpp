@@ -119,7 +119,8 @@ YearClosePlan planYearClose(const QString &database, const FinancialYear &year, 
         counts(QStringLiteral("ledger where type='receipt'"), plan.receipts, plan.receiptsStaying);
         counts(QStringLiteral("ledger where type='payment'"), plan.payments, plan.paymentsStaying);
         plan.lots = count(QStringLiteral("select count(*) from stock"));
-        plan.accounts = count("select count(distinct coalesce(ac, '')) from ledger where not " + cut.after());
+        // The accounts as the opening rows group them: a name in several spellings is one.
+        plan.accounts = count("select count(*) from (select ac from ledger where not " + cut.after() + " group by ac) accounts");
         const float credit = toSingle(file.number("select sum(" + cut.figure(QStringLiteral("credit")) + ") from ledger where type='receipt' and not " + cut.after()));
         const float debit = toSingle(file.number("select sum(" + cut.figure(QStringLiteral("debit")) + ") from ledger where type='payment' and not " + cut.after()));
         plan.balance = singleText(toSingle(credit <= debit ? double(debit) - double(credit) : double(credit) - double(debit)));

@@ -33,14 +33,20 @@ QStringList openingRows(BooksReader &file, const CutOff &cut, const YearClosePla
                   balance = sqlLiteral(plan.balance);
     const auto name = [](const BookRow &row, int column) { return row.isNull(column) ? QStringLiteral("null") : sqlLiteral(row.text(column)); };
     const QString credit = cut.figure(QStringLiteral("credit")), debit = cut.figure(QStringLiteral("debit"));
-    file.eachRow("select accnm, sum(" + credit + ") from ledger where type='receipt' and " + closing + " group by accnm", [&](const BookRow &row) {
-        rows << QStringLiteral("(0,%1,%2,%3,null,%4,'receipt',%5)").arg(date, opening, paisa(row, 1), name(row, 0), balance);
+    // A name kept in several spellings ("RAM", "Ram") is one account; it is carried in the
+    // spelling of its newest row, on the file and the server alike.
+    const auto newestSpelling = [](const QString &name, const QString &sums, const QString &rows) {
+        return "select l." + name + ", g.* from (select max(rowid) as newest, " + sums + " from ledger where " + rows + " group by " + name
+               + ") g join ledger l on l.rowid = g.newest order by l." + name + " nulls first";
+    };
+    file.eachRow(newestSpelling(QStringLiteral("accnm"), "sum(" + credit + ")", "type='receipt' and " + closing), [&](const BookRow &row) {
+        rows << QStringLiteral("(0,%1,%2,%3,null,%4,'receipt',%5)").arg(date, opening, paisa(row, 2), name(row, 0), balance);
     });
     file.eachRow("select sum(" + debit + ") from ledger where type='payment' and " + closing + " having count(*) > 0", [&](const BookRow &row) {
         rows << QStringLiteral("(0,%1,%2,null,%3,null,'payment',%4)").arg(date, opening, paisa(row, 0), balance);
     });
-    file.eachRow("select ac, sum(" + credit + "), sum(" + debit + ") from ledger where " + closing + " group by ac", [&](const BookRow &row) {
-        rows << QStringLiteral("(0,%1,%2,%3,%4,null,'opening',%5)").arg(date, name(row, 0), paisa(row, 1), paisa(row, 2), balance);
+    file.eachRow(newestSpelling(QStringLiteral("ac"), "sum(" + credit + "), sum(" + debit + ")", closing), [&](const BookRow &row) {
+        rows << QStringLiteral("(0,%1,%2,%3,%4,null,'opening',%5)").arg(date, name(row, 0), paisa(row, 2), paisa(row, 3), balance);
     });
     return rows;
 }
