@@ -129,12 +129,22 @@ QString serverMessage(const QSqlError &error)
     return text.isEmpty() ? error.text() : text;
 }
 
+namespace {
+
+// The server's result under a driver's handle; null when the handle is not the server's.
+const PGresult *serverResult(const QVariant &resultHandle)
+{
+    if (qstrcmp(resultHandle.typeName(), "PGresult*") != 0 && qstrcmp(resultHandle.typeName(), "pg_result*") != 0)
+        return nullptr;
+    return *static_cast<PGresult *const *>(resultHandle.constData());
+}
+
+} // namespace
+
 QVector<bool> serverFigureColumns(const QVariant &resultHandle, int columns)
 {
     QVector<bool> figures(columns, false);
-    if (qstrcmp(resultHandle.typeName(), "PGresult*") != 0 && qstrcmp(resultHandle.typeName(), "pg_result*") != 0)
-        return figures;
-    const PGresult *result = *static_cast<PGresult *const *>(resultHandle.constData());
+    const PGresult *result = serverResult(resultHandle);
     const Oid Text = 25;
     for (int i = 0; result && i < columns && i < PQnfields(result); ++i)
         figures[i] = PQftype(result, i) == Text && PQftable(result, i) != InvalidOid;
@@ -143,9 +153,7 @@ QVector<bool> serverFigureColumns(const QVariant &resultHandle, int columns)
 
 QByteArrayView serverCellText(const QVariant &resultHandle, int row, int column)
 {
-    if (qstrcmp(resultHandle.typeName(), "PGresult*") != 0 && qstrcmp(resultHandle.typeName(), "pg_result*") != 0)
-        return {};
-    const PGresult *result = *static_cast<PGresult *const *>(resultHandle.constData());
+    const PGresult *result = serverResult(resultHandle);
     return result ? QByteArrayView(PQgetvalue(result, row, column), PQgetlength(result, row, column)) : QByteArrayView();
 }
 
