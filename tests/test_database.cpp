@@ -348,6 +348,9 @@ private slots:
                                                        {123456789012.0, "123456789012"}, {0.1 + 0.2, "0.30000000000000004"}, {-0.5, "-0.5"}};
         for (const auto &[value, text] : doubles)
             QCOMPARE(doubleText(value), text);
+        // A grid's cells are appended without a text of their own, to the same digits.
+        for (const double value : {92.55, 1e15, 9.5e15, 1e21, -0.0, 1e-7, 0.0001, -123.456, 3.0, -1e300, 1.0 / 3})
+            QCOMPARE(QString::fromUtf8([value] { QByteArray cell("x"); appendDoubleText(cell, value); return cell; }()), "x" + doubleText(value));
     }
 
     // 16 bits round half to even; beyond them, and beyond a figure's range, is "Overflow".

@@ -20,8 +20,10 @@
 #include <QSqlRecord>
 #include <QSqlResult>
 #include <QTimeZone>
+#include <QVarLengthArray>
 #include <sqlite3.h>
 #include <algorithm>
+#include <cmath>
 #include <utility>
 
 namespace vantrel {
@@ -70,6 +72,23 @@ QStringList fileNamesOr(const QString &sql, const QStringList &names)
 QVariant storedValue(const QSqlQuery &query, int i, bool figure)
 {
     return figure && !query.isNull(i) ? figureValue(query.value(i).toString()) : query.value(i);
+}
+
+// A number the server sent as SENT for a column of KIND (a figure or a floating-point number):
+// its value, with NUMBER set; a figure's text that is no number (or a null) leaves NUMBER
+// unset, as figureValue() keeps it a text. A value the driver would read otherwise (an
+// infinity, a NaN) leaves it unset too.
+double serverNumber(QByteArrayView sent, ServerCell kind, bool &number)
+{
+    number = false;
+    if (sent.isEmpty())
+        return 0;
+    const char first = sent.front();
+    if (kind == ServerCell::Figure && !((first >= '0' && first <= '9') || first == '-' || first == '+' || first == '.'))
+        return 0;
+    const double value = sent.toDouble(&number);
+    number = number && std::isfinite(value);
+    return value;
 }
 
 } // namespace
@@ -366,12 +385,12 @@ QString PendingQuery::failureMessage() const
 
 const PendingQuery::ServerColumns &PendingQuery::serverColumns(int columns) const
 {
-    if (m_columns.figures.isEmpty()) {
-        m_columns.figures = serverFigureColumns(m_query.result()->handle(), columns);
+    if (m_columns.kinds.isEmpty()) {
+        m_columns.kinds = serverCellKinds(m_query.result()->handle(), columns);
         const QSqlRecord record = m_query.record();
         m_columns.texts.fill(false, columns);
         for (int i = 0; i < columns; ++i)
-            m_columns.texts[i] = !m_columns.figures[i] && record.field(i).metaType().id() == QMetaType::QString;
+            m_columns.texts[i] = m_columns.kinds[i] == ServerCell::Other && record.field(i).metaType().id() == QMetaType::QString;
     }
     return m_columns;
 }
@@ -398,17 +417,28 @@ void PendingQuery::appendRow(int columns, QByteArray &text, QVector<quint32> &ce
 {
     if (m_db && m_db->m_server) {
         const ServerColumns &kinds = serverColumns(columns);
-        const QVariant result = m_query.result()->handle();
+        QVarLengthArray<QByteArrayView, 16> cells(columns);
+        serverRowTexts(m_query.result()->handle(), m_query.at(), cells.data(), columns);
         for (int i = 0; i < columns; ++i) {
-            if (kinds.texts[i]) {
-                text += serverCellText(result, m_query.at(), i);
-                numbers.push_back(false);
+            const QByteArrayView sent = cells[i];
+            bool number = false;
+            const double value = kinds.kinds[i] == ServerCell::Figure || kinds.kinds[i] == ServerCell::Double
+                                     ? serverNumber(sent, kinds.kinds[i], number)
+                                     : 0;
+            if (kinds.texts[i] || (kinds.kinds[i] == ServerCell::Figure && !number)) {
+                text += sent; // a text as typed; a null is empty
+            } else if (number) {
+                appendDoubleText(text, value);
+            } else if (kinds.kinds[i] == ServerCell::Integer) {
+                text += sent;
+                number = !sent.isEmpty();
             } else {
-                const QVariant value = storedValue(m_query, i, kinds.figures[i]);
-                const int type = value.typeId();
-                numbers.push_back(!value.isNull() && (type == QMetaType::Double || type == QMetaType::Int || type == QMetaType::LongLong));
-                text += displayText(value).toUtf8();
+                const QVariant converted = storedValue(m_query, i, false);
+                const int type = converted.typeId();
+                number = !converted.isNull() && (type == QMetaType::Double || type == QMetaType::Int || type == QMetaType::LongLong);
+                text += displayText(converted).toUtf8();
             }
+            numbers.push_back(number);
             cellEnds << quint32(text.size());
         }
         return;
@@ -424,7 +454,7 @@ void PendingQuery::appendRow(int columns, QByteArray &text, QVector<quint32> &ce
             text += QByteArray::number(sqlite3_column_int64(row, i));
             break;
         case SQLITE_FLOAT:
-            text += doubleText(sqlite3_column_double(row, i)).toUtf8();
+            appendDoubleText(text, sqlite3_column_double(row, i));
             break;
         default: // a text, or bytes, which the grid shows as text
             text.append(reinterpret_cast<const char *>(sqlite3_column_text(row, i)), sqlite3_column_bytes(row, i));

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "recordset.h"
+#include "serverconnection.h"
 
 #include <QSqlDatabase>
 #include <QSqlError>
@@ -48,10 +49,11 @@ private:
     // The engine's statement under the query; null when the query is not open, or on the server.
     sqlite3_stmt *statement() const;
     // On the server, what each column holds, read from the first row's result: a table's figure
-    // (a text made a number), or a text the grid shows as the server sent it (what the driver
-    // would make a text of, with nothing to convert), or a value the driver converts.
+    // (a text made a number), a number, a text the grid shows as the server sent it (what the
+    // driver would make a text of, with nothing to convert), or a value the driver converts.
     struct ServerColumns {
-        QVector<bool> figures, texts;
+        QVector<ServerCell> kinds;
+        QVector<bool> texts;
     };
     const ServerColumns &serverColumns(int columns) const;
     // On the server: the rows come through a cursor, a page at a time, in a read-only

@@ -118,6 +118,22 @@ QString doubleText(double value)
     return plainDecimal(QString::number(value, 'g', QLocale::FloatingPointShortest));
 }
 
+void appendDoubleText(QByteArray &text, double value)
+{
+    if (value == std::floor(value) && std::fabs(value) < 1e15) { // a whole number's digits, zero's sign dropped
+        text += QByteArray::number(qint64(value));
+        return;
+    }
+    if (std::isfinite(value)) {
+        const QByteArray shortest = QByteArray::number(value, 'g', QLocale::FloatingPointShortest);
+        if (!shortest.contains('e')) {
+            text += shortest;
+            return;
+        }
+    }
+    text += doubleText(value).toUtf8();
+}
+
 qint16 toInt16(double value)
 {
     const double rounded = std::nearbyint(value); // the default rounding mode: half to even

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QByteArray>
 #include <QString>
 #include <QtGlobal>
 
@@ -29,6 +30,9 @@ QString singleText(float value);
 // Double figure as text: the shortest plain decimal text that reads back equal (92.55, 37.5).
 // An infinite value throws UnhandledError("Overflow"): no number text is ever "inf".
 QString doubleText(double value);
+// Appends doubleText(VALUE) to TEXT as UTF-8, without a text of its own for the common cases
+// (a whole number, a decimal without an exponent): a grid's rows are made of it.
+void appendDoubleText(QByteArray &text, double value);
 
 // Conversion to a 16-bit signed integer, rounding half to even (8.5 gives 8, 9.5 gives 10).
 // Throws UnhandledError("Overflow") outside -32768..32767.

@@ -151,10 +151,36 @@ QVector<bool> serverFigureColumns(const QVariant &resultHandle, int columns)
     return figures;
 }
 
-QByteArrayView serverCellText(const QVariant &resultHandle, int row, int column)
+QVector<ServerCell> serverCellKinds(const QVariant &resultHandle, int columns)
+{
+    QVector<ServerCell> kinds(columns, ServerCell::Other);
+    const PGresult *result = serverResult(resultHandle);
+    for (int i = 0; result && i < columns && i < PQnfields(result); ++i) {
+        switch (PQftype(result, i)) {
+        case 25: // text
+            kinds[i] = PQftable(result, i) != InvalidOid ? ServerCell::Figure : ServerCell::Other;
+            break;
+        case 700: // real
+        case 701: // double precision
+            kinds[i] = ServerCell::Double;
+            break;
+        case 20: // bigint
+        case 21: // smallint
+        case 23: // integer
+            kinds[i] = ServerCell::Integer;
+            break;
+        default:
+            break;
+        }
+    }
+    return kinds;
+}
+
+void serverRowTexts(const QVariant &resultHandle, int row, QByteArrayView *cells, int columns)
 {
     const PGresult *result = serverResult(resultHandle);
-    return result ? QByteArrayView(PQgetvalue(result, row, column), PQgetlength(result, row, column)) : QByteArrayView();
+    for (int i = 0; i < columns; ++i)
+        cells[i] = result ? QByteArrayView(PQgetvalue(result, row, i), PQgetlength(result, row, i)) : QByteArrayView();
 }
 
 bool serverConnectionBroken(const QSqlDriver *driver)

@@ -50,9 +50,16 @@ QString serverMessage(const QSqlError &error);
 // driver's handle of the result; empty when the handle is not the server's.
 QVector<bool> serverFigureColumns(const QVariant &resultHandle, int columns);
 
-// The text the server sent for the cell at ROW, COLUMN of the result under a server query (its
-// UTF-8, empty for a null); empty when the handle is not the server's.
-QByteArrayView serverCellText(const QVariant &resultHandle, int row, int column);
+// What a column of the result under a server query holds, for a grid that takes its cells'
+// texts straight from the server's bytes: a table's figure (as above), a floating-point number,
+// a whole number, or anything else (which goes through the driver's value).
+enum class ServerCell { Other, Figure, Double, Integer };
+QVector<ServerCell> serverCellKinds(const QVariant &resultHandle, int columns);
+
+// The texts the server sent for the first COLUMNS cells of ROW of the result under a server
+// query, into CELLS (each its UTF-8, empty for a null; all empty when the handle is not the
+// server's).
+void serverRowTexts(const QVariant &resultHandle, int row, QByteArrayView *cells, int columns);
 
 // A figure as the file holds it: a number when the text is one (the server keeps a number as its
 // shortest text), else the text as typed.
