@@ -80,7 +80,7 @@ void ReceiptScreen::activated()
 
 void ReceiptScreen::proposeNumber(const QString &maxQuery, const QString &column)
 {
-    m_number->setText(doubleText(nextNumber(db(), maxQuery, column)));
+    m_proposedNumber.propose(db(), m_number, maxQuery, column);
 }
 
 // The "Account" list closes only by a choice in it.
@@ -154,10 +154,21 @@ bool ReceiptScreen::showLedgerReceipts()
                         + "' and type='receipt'");
 }
 
-// The receipt, the shop's overall balance on it, the account's list, the next number. Once the
-// list comes back empty, a failing step no longer ends the action: the next one runs.
+// The receipt, the shop's overall balance on it, the account's list, the next number, as one
+// action. Once the list comes back empty, a failing step no longer ends the action: the next
+// one runs.
 void ReceiptScreen::saveClicked()
 {
+    act([this] { saveReceipt(); });
+    // The next receipt starts at its account; left on the button, Enter would save this one again.
+    m_account->setFocus();
+}
+
+void ReceiptScreen::saveReceipt()
+{
+    if (const QString taken = m_proposedNumber.take(db(), m_number, QStringLiteral("Receipt %1 was taken at another counter; this receipt is %2."));
+        !taken.isEmpty())
+        dialogs().inform(taken);
     const QString today = ShortDate().text(services().clock.today());
     db().execute("insert into ledger(refno,dat,ac,credit,accnm,type)values('" + m_number->text() + "','" + today + "','" + m_account->text()
                  + "','" + m_amount->text() + "','" + m_accountName->text() + "','Receipt')");
@@ -180,8 +191,6 @@ void ReceiptScreen::saveClicked()
     step([&] { dialogs().inform(QStringLiteral("Item Added successfully")); });
     step([&] { proposeNumber("select max(refno) as refno from ledger where type='receipt'", "refno"); });
     step([&] { ignoreErrors = !showLedgerReceipts() || ignoreErrors; });
-    // The next receipt starts at its account; left on the button, Enter would save this one again.
-    m_account->setFocus();
 }
 
 } // namespace vantrel

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "widgets/proposednumber.h"
 #include "widgets/screen.h"
 
 class QLabel;
@@ -26,6 +27,7 @@ private:
     void accountNameGridClicked();
     void accountNameGridKeyPressed(int key);
     void saveClicked();
+    void saveReceipt();
 
     void proposeNumber(const QString &maxQuery, const QString &column);
     // Lists the query's receipts and totals their Amount; false when it found none (the total
@@ -34,6 +36,7 @@ private:
     bool showLedgerReceipts();
 
     QLineEdit *m_number;
+    ProposedNumber m_proposedNumber;
     QLabel *m_date;
     QLineEdit *m_account;
     QLineEdit *m_accountName;

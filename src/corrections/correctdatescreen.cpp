@@ -59,8 +59,10 @@ void CorrectDateScreen::writeClicked()
     const QString date = ShortDate().text(m_date->date());
     if (!dialogs().ask(QStringLiteral("Write %1 as the date of %2, in place of '%3'?").arg(date, found.document, found.date)))
         return;
-    db().execute("update " + found.table + " set dat = " + sqlLiteral(date) + " where " + found.where);
-    dialogs().inform(QStringLiteral("The date of %1 is now %2.").arg(found.document, date));
+    act([&] {
+        db().execute("update " + found.table + " set dat = " + sqlLiteral(date) + " where " + found.where);
+        dialogs().inform(QStringLiteral("The date of %1 is now %2.").arg(found.document, date));
+    });
     activated();
 }
 

@@ -213,9 +213,60 @@ Database::~Database()
 
 void Database::execute(const QString &sql)
 {
+    const QString text = sent(sql);
+    markStep(m_connectionName);
     QSqlQuery statement(QSqlDatabase::database(m_connectionName, false));
-    if (!statement.exec(sent(sql)))
+    if (!statement.exec(text))
         fail(statement);
+}
+
+namespace {
+
+// The lock every counter's action takes on the server's books, whatever the database's name.
+const char BooksLock[] = "select pg_advisory_xact_lock(7306454856142352)";
+
+} // namespace
+
+void Database::beginAction()
+{
+    if (m_actionDepth++ > 0)
+        return;
+    QSqlQuery lock(QSqlDatabase::database(m_connectionName, false));
+    const bool locked = m_server ? lock.exec(QStringLiteral("begin")) && lock.exec(QLatin1String(BooksLock))
+                                 : lock.exec(QStringLiteral("begin immediate"));
+    if (!locked) {
+        m_actionDepth = 0;
+        if (m_server)
+            QSqlQuery(QSqlDatabase::database(m_connectionName, false)).exec(QStringLiteral("rollback"));
+        fail(lock);
+    }
+}
+
+void Database::endAction()
+{
+    if (m_actionDepth == 0 || --m_actionDepth > 0)
+        return;
+    QSqlQuery end(QSqlDatabase::database(m_connectionName, false));
+    if (!end.exec(QStringLiteral("commit"))) {
+        QSqlQuery(QSqlDatabase::database(m_connectionName, false)).exec(QStringLiteral("rollback"));
+        fail(end);
+    }
+}
+
+void Database::markStep(const QString &connection)
+{
+    if (!inAction() || !m_server || connection != m_connectionName)
+        return;
+    QSqlQuery mark(QSqlDatabase::database(m_connectionName, false));
+    if (!mark.exec(QStringLiteral("savepoint vantrel_step")))
+        fail(mark);
+}
+
+void Database::undoStep(const QSqlQuery &failed) const
+{
+    const QSqlDatabase writer = QSqlDatabase::database(m_connectionName, false);
+    if (inAction() && m_server && failed.driver() == writer.driver())
+        QSqlQuery(writer).exec(QStringLiteral("rollback to savepoint vantrel_step"));
 }
 
 Recordset Database::query(const QString &sql)
@@ -255,9 +306,11 @@ Recordset Database::readAll(const QString &connection, const QString &sql)
 
 QSqlQuery Database::forwardQuery(const QString &connection, const QString &sql)
 {
+    const QString text = sent(sql);
+    markStep(connection);
     QSqlQuery query(QSqlDatabase::database(connection, false));
     query.setForwardOnly(true);
-    if (!query.exec(sent(sql)))
+    if (!query.exec(text))
         fail(query);
     return query;
 }
@@ -266,10 +319,13 @@ PendingQuery Database::startQuery(const QString &sql)
 {
     PendingQuery pending;
     pending.m_db = this;
-    pending.m_connection = takeReader();
+    pending.m_inAction = inAction();
+    pending.m_connection = pending.m_inAction ? m_connectionName : takeReader();
     pending.m_sql = sql;
     pending.m_connections = m_connections;
-    if (m_server)
+    if (m_server && pending.m_inAction)
+        pending.readWhole(sent(sql));
+    else if (m_server)
         pending.openCursor(sent(sql)); // a failure gives the reader back
     else
         pending.m_query = forwardQuery(pending.m_connection, sql); // a failure gives the reader back
@@ -297,7 +353,8 @@ void Database::giveBack(const QString &reader)
 
 PendingQuery::PendingQuery(PendingQuery &&other) noexcept
     : m_db(std::exchange(other.m_db, nullptr)), m_connection(std::move(other.m_connection)), m_sql(std::move(other.m_sql)),
-      m_query(std::move(other.m_query)), m_connections(other.m_connections), m_pageRows(other.m_pageRows), m_columns(std::move(other.m_columns))
+      m_query(std::move(other.m_query)), m_connections(other.m_connections), m_pageRows(other.m_pageRows),
+      m_inAction(std::exchange(other.m_inAction, false)), m_columns(std::move(other.m_columns))
 {
 }
 
@@ -311,6 +368,7 @@ PendingQuery &PendingQuery::operator=(PendingQuery &&other) noexcept
         m_query = std::move(other.m_query);
         m_connections = other.m_connections;
         m_pageRows = other.m_pageRows;
+        m_inAction = std::exchange(other.m_inAction, false);
         m_columns = std::move(other.m_columns);
     }
     return *this;
@@ -363,6 +421,17 @@ bool PendingQuery::planForFirstRows()
     return m_query.exec(QStringLiteral("set local cursor_tuple_fraction = 0.02"));
 }
 
+// During an action the rows are read at once, on the action's connection within its transaction.
+void PendingQuery::readWhole(const QString &engineSql)
+{
+    m_db->markStep(m_connection);
+    m_query = QSqlQuery(QSqlDatabase::database(m_connection, false));
+    m_query.setForwardOnly(false);
+    m_pageRows = 0; // no pages to fetch
+    if (!m_query.exec(engineSql))
+        m_db->fail(m_query);
+}
+
 bool PendingQuery::fetchPage()
 {
     m_pageRows = m_pageRows == 0 ? FirstPageRows : std::min(2 * m_pageRows, LastPageRows);
@@ -400,7 +469,7 @@ bool PendingQuery::stepRow(QString &failure)
     if (m_db && m_db->m_server && m_connections != m_db->m_connections)
         return false; // its connection was opened afresh: the rows end where they stood
     if (m_db && m_db->m_server) {
-        if (m_query.next() || (m_query.size() == m_pageRows && fetchPage() && m_query.next()))
+        if (m_query.next() || (m_pageRows > 0 && m_query.size() == m_pageRows && fetchPage() && m_query.next()))
             return true;
         if (m_query.lastError().isValid())
             failure = m_db->messageOf(m_query.lastError());
@@ -471,11 +540,13 @@ void PendingQuery::close()
     if (!m_db)
         return;
     m_query.finish();
-    if (m_db->m_server) // ends the cursor and its transaction, whatever state they are in
+    if (m_db->m_server && !m_inAction) // ends the cursor and its transaction, whatever state they are in
         m_query.exec(QStringLiteral("rollback"));
     m_query = QSqlQuery();
     m_columns = {};
-    std::exchange(m_db, nullptr)->giveBack(m_connection);
+    Database *db = std::exchange(m_db, nullptr);
+    if (!std::exchange(m_inAction, false))
+        db->giveBack(m_connection);
 }
 
 QString Database::sent(const QString &sql) const
@@ -495,6 +566,7 @@ void Database::fail(const QSqlQuery &query) const
     static const QRegularExpression lost(QStringLiteral("^(08|57P0[123])"));
     if (m_server && (lost.match(query.lastError().nativeErrorCode()).hasMatch() || serverConnectionBroken(query.driver())))
         throw ServerLost(messageOf(query.lastError()));
+    undoStep(query);
     throw UnhandledError(messageOf(query.lastError()));
 }
 
@@ -511,6 +583,7 @@ bool Database::serverLost() const
 QString Database::reconnect()
 {
     ++m_connections;
+    m_actionDepth = 0; // the action's transaction went with its connection
     for (const QString &name : QStringList{m_connectionName} + m_readers) {
         QSqlDatabase db = QSqlDatabase::database(name, false);
         db.close();

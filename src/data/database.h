@@ -39,6 +39,9 @@ public:
     // for a null), where each ends into CELLENDS, and whether it is a number into NUMBERS.
     void appendRow(int columns, QByteArray &text, QVector<quint32> &cellEnds, std::vector<bool> &numbers) const;
     bool isOpen() const { return m_db != nullptr; }
+    // Whether it reads on an action's connection: it must be read to its end, and closed, before
+    // the action's next statement.
+    bool readsInAction() const { return m_inAction; }
     void close();
     // The names of the query's columns, as the file gives them.
     QStringList columnNames() const;
@@ -61,6 +64,7 @@ private:
     // each twice the one before up to a limit (a screenful first; a printout of every row in
     // few round trips).
     void openCursor(const QString &engineSql);
+    void readWhole(const QString &engineSql);
     bool planForFirstRows();
     bool fetchPage();
 
@@ -71,6 +75,7 @@ private:
     QSqlQuery m_query;
     int m_connections = 0; // the database's connections it was opened on
     int m_pageRows = 0;    // the rows the last page asked for
+    bool m_inAction = false;
     mutable ServerColumns m_columns;
 };
 
@@ -107,8 +112,22 @@ public:
     // so both read the same file.
     Recordset queryAlongside(const PendingQuery &pending, const QString &sql);
     // Starts a forward-only query whose rows the caller fetches itself, on a connection of its
-    // own (see PendingQuery).
+    // own (see PendingQuery); during an action, on the action's connection, where the caller
+    // reads it to its end before the next statement (readsInAction()).
     PendingQuery startQuery(const QString &sql);
+
+    // The statements of one operator action run together from beginAction() to endAction(), in
+    // one transaction that holds the books' lock from its start (the file's write lock; on the
+    // server a lock every counter's action takes), so that no other counter's action comes
+    // between them and every figure they read is the one they change. A statement that fails
+    // ends the action but undoes nothing that ran before it (on the server each runs under a
+    // savepoint of its own): endAction() keeps what ran. A kill, or a lost server, keeps none
+    // of it. Reads during an action see its own writes. Actions do not nest: a second begin
+    // joins the first, and the outer end ends it. Both throw UnhandledError (ServerLost) when
+    // the lock cannot be had or the end cannot be written.
+    void beginAction();
+    void endAction();
+    bool inAction() const { return m_actionDepth > 0; }
 
     // Hears every statement as it goes to the engine (the benchmark times them bare); none
     // by default.
@@ -135,6 +154,10 @@ private:
     QString openServerConnection(const QString &name, Role role);
     QString setUpServerSession(const QSqlDatabase &db, Role role);
     QSqlQuery forwardQuery(const QString &connection, const QString &sql);
+    // On the server during an action, a statement on the action's connection begins with a
+    // savepoint, and its failure goes back to it (the statements before it stay).
+    void markStep(const QString &connection);
+    void undoStep(const QSqlQuery &failed) const;
     Recordset readAll(const QString &connection, const QString &sql);
     QString takeReader();
     void giveBack(const QString &reader);
@@ -149,6 +172,7 @@ private:
     QStringList m_spareReaders; // those that no pending query holds
     std::function<void(const QString &)> m_observer;
     int m_connections = 0; // how often the server's connections were opened afresh
+    int m_actionDepth = 0;
 };
 
 } // namespace vantrel

@@ -51,7 +51,7 @@ void setWidthInCharacters(QLineEdit *field, int chars)
 }
 
 InvoiceScreen::InvoiceScreen(Services &services, const Wording &wording, QWidget *parent)
-    : Screen(services, wording.caption, parent), m_documentName(wording.documentName)
+    : Screen(services, wording.caption, parent), m_documentName(wording.documentName), m_numberTaken(wording.numberTaken)
 {
     buildFields(wording);
     buildButtonsAndLists(wording);
@@ -200,10 +200,16 @@ void InvoiceScreen::startDocument(const QString &numberingQuery, const QString &
         field->clear();
     m_add->setEnabled(true);
     m_print->setEnabled(true);
-    m_number->setText(doubleText(nextNumber(db(), numberingQuery, column)));
+    m_proposedNumber.propose(db(), m_number, numberingQuery, column);
     m_writeLines = true;
     m_writeHeader = true;
     m_lines->clear();
+}
+
+void InvoiceScreen::takeProposedNumber()
+{
+    if (const QString taken = m_proposedNumber.take(db(), m_number, m_numberTaken); !taken.isEmpty())
+        dialogs().inform(taken);
 }
 
 void InvoiceScreen::partyKeyPressed(int key)

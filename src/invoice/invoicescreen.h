@@ -1,5 +1,6 @@
 #pragma once
 
+#include "widgets/proposednumber.h"
 #include "widgets/screen.h"
 
 class QFrame;
@@ -28,6 +29,7 @@ public:
         QString productGridName; // "product/stock grid"
         QString partyGridName;   // "party list"
         QString documentName;    // "Sales invoice", as the status line names a printed one
+        QString numberTaken;     // "Invoice %1 was taken at another counter; this invoice is %2."
     };
 
     InvoiceScreen(Services &services, const Wording &wording, QWidget *parent = nullptr);
@@ -47,6 +49,10 @@ protected:
     // A key released in the mode field starts the document afresh: the next number of the
     // mode's own series from NUMBERINGQUERY, whose maximum is read as COLUMN.
     void startDocument(const QString &numberingQuery, const QString &column);
+    // The first "&Add" of a started document takes the number proposed for it, in its action:
+    // when another counter has taken it meanwhile, the document gets the next free one and the
+    // operator is told. A number the operator typed or opened is the operator's.
+    void takeProposedNumber();
     void partyKeyPressed(int key);
     void partyKeyReleased(int key);
     void partyClicked();
@@ -94,6 +100,8 @@ private:
 
     QHBoxLayout *m_totalsRow;
     QString m_documentName;
+    QString m_numberTaken;
+    ProposedNumber m_proposedNumber;
 };
 
 // Gives a field a width for about CHARS characters.

@@ -38,16 +38,22 @@ CompanyMasterScreen::CompanyMasterScreen(Services &services, QWidget *parent)
     setKeysHint(QStringLiteral("Tab to a button, Enter presses it"));
 }
 
-// The code must be unused; the name may repeat.
+// The code must be unused; the name may repeat. The check and the save are one action.
 void CompanyMasterScreen::saveClicked()
 {
-    if (!db().query("select * from companymaster where cmpid='" + m_code->text() + "'").eof()) {
-        dialogs().inform(QStringLiteral("company id already used try another id"));
+    bool used = false;
+    act([&] {
+        used = !db().query("select * from companymaster where cmpid='" + m_code->text() + "'").eof();
+        if (used) {
+            dialogs().inform(QStringLiteral("company id already used try another id"));
+            return;
+        }
+        db().execute("insert into companymaster(companyname,cmpid,shortname,address,pin) values('" + m_name->text() + "','" + m_code->text()
+                     + "','" + m_shortName->text() + "','" + m_address->text() + "','" + m_pin->text() + "')");
+        dialogs().inform(QStringLiteral("Company Added Successfully"));
+    });
+    if (used)
         return;
-    }
-    db().execute("insert into companymaster(companyname,cmpid,shortname,address,pin) values('" + m_name->text() + "','" + m_code->text()
-                 + "','" + m_shortName->text() + "','" + m_address->text() + "','" + m_pin->text() + "')");
-    dialogs().inform(QStringLiteral("Company Added Successfully"));
     for (QLineEdit *field : {m_code, m_name, m_shortName, m_address, m_pin})
         field->clear();
     m_code->setFocus();

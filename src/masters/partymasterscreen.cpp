@@ -84,7 +84,7 @@ void PartyMasterScreen::activated()
 // The next party number, and the fields of a new party emptied.
 void PartyMasterScreen::proposeNextNumber()
 {
-    m_id->setText(doubleText(nextNumber(db(), "select max(ID) as ID from suppliermaster", "ID")));
+    m_proposedId.propose(db(), m_id, "select max(ID) as ID from suppliermaster", "ID");
     for (QLineEdit *field : {m_address, m_phone, m_mobile, m_pin, m_name, m_city})
         field->clear();
     m_parties->setColumnWidthTwips(0, 3000);
@@ -124,10 +124,16 @@ void PartyMasterScreen::partyChosen()
 
 void PartyMasterScreen::saveClicked()
 {
-    db().execute("insert into suppliermaster(ID,suppname,shortname,address,city,phone,mobile,pin,cbso,acctype) values('" + m_id->text() + "','"
-                 + m_name->text() + "','" + m_shortName->text() + "','" + m_address->text() + "','" + m_city->text() + "','" + m_phone->text()
-                 + "','" + m_mobile->text() + "','" + m_pin->text() + "','" + m_category->text() + "','" + m_accountType->currentText() + "')");
-    dialogs().inform(QStringLiteral("party added successfully"));
+    act([this] {
+        if (const QString taken = m_proposedId.take(db(), m_id, QStringLiteral("Party %1 was taken at another counter; this party is %2."));
+            !taken.isEmpty())
+            dialogs().inform(taken);
+        db().execute("insert into suppliermaster(ID,suppname,shortname,address,city,phone,mobile,pin,cbso,acctype) values('" + m_id->text()
+                     + "','" + m_name->text() + "','" + m_shortName->text() + "','" + m_address->text() + "','" + m_city->text() + "','"
+                     + m_phone->text() + "','" + m_mobile->text() + "','" + m_pin->text() + "','" + m_category->text() + "','"
+                     + m_accountType->currentText() + "')");
+        dialogs().inform(QStringLiteral("party added successfully"));
+    });
     proposeNextNumber();
     m_name->setFocus(); // the next party's name, under the number just proposed
 }
@@ -135,19 +141,23 @@ void PartyMasterScreen::saveClicked()
 // The number is written back onto itself; an empty one fails the statement.
 void PartyMasterScreen::updateClicked()
 {
-    db().execute("update suppliermaster set ID=" + m_id->text() + ",suppname='" + m_name->text() + "',shortname='" + m_shortName->text()
-                 + "',address='" + m_address->text() + "',city='" + m_city->text() + "',phone='" + m_phone->text() + "',mobile='"
-                 + m_mobile->text() + "',pin='" + m_pin->text() + "',cbso='" + m_category->text() + "',acctype='"
-                 + m_accountType->currentText() + "' where ID=" + m_id->text());
-    dialogs().inform(QStringLiteral("party updated successfully"));
+    act([this] {
+        db().execute("update suppliermaster set ID=" + m_id->text() + ",suppname='" + m_name->text() + "',shortname='" + m_shortName->text()
+                     + "',address='" + m_address->text() + "',city='" + m_city->text() + "',phone='" + m_phone->text() + "',mobile='"
+                     + m_mobile->text() + "',pin='" + m_pin->text() + "',cbso='" + m_category->text() + "',acctype='"
+                     + m_accountType->currentText() + "' where ID=" + m_id->text());
+        dialogs().inform(QStringLiteral("party updated successfully"));
+    });
 }
 
 void PartyMasterScreen::deleteClicked()
 {
     if (!dialogs().ask(QStringLiteral("Are You Sure")))
         return;
-    db().execute("delete from suppliermaster where ID=" + m_id->text());
-    dialogs().inform(QStringLiteral("Supplier deleted"));
+    act([this] {
+        db().execute("delete from suppliermaster where ID=" + m_id->text());
+        dialogs().inform(QStringLiteral("Supplier deleted"));
+    });
     m_name->setFocus();
 }
 

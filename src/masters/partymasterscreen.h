@@ -1,5 +1,6 @@
 #pragma once
 
+#include "widgets/proposednumber.h"
 #include "widgets/screen.h"
 
 class QComboBox;
@@ -27,6 +28,7 @@ private:
     void proposeNextNumber();
 
     QLineEdit *m_id;
+    ProposedNumber m_proposedId;
     QLineEdit *m_name;
     QLineEdit *m_shortName;
     QLineEdit *m_address;

@@ -116,8 +116,7 @@ void ProductMasterScreen::companyChosen()
     m_companyShortName->setText(m_companies->text(row, 1));
     m_companyCode->setText(m_companies->text(row, 0));
     m_mfgName->setText(m_companies->text(row, 1));
-    const double serial = nextNumber(db(), "select max(psrno) as psrno from productmaster where cmpid='" + m_companyCode->text() + "'", "psrno");
-    m_serial->setText(doubleText(serial));
+    m_proposedSerial.propose(db(), m_serial, "select max(psrno) as psrno from productmaster where cmpid='" + m_companyCode->text() + "'", "psrno");
     m_companyPanel->hide();
     m_productName->setFocus();
 }
@@ -164,35 +163,50 @@ void ProductMasterScreen::productChosen()
     hideAfterChoice(m_products, m_productName);
 }
 
-// A new product: its name, then its item code, must be unused.
+// A new product: its name, then its item code, must be unused; the check and the save are one
+// action.
 void ProductMasterScreen::saveClicked()
 {
-    if (!db().query("select prodname from productmaster where prodname='" + m_productName->text() + "'").eof()) {
-        dialogs().inform(QStringLiteral("Product already exist and assign to other product please choose another"));
+    bool saved = false;
+    act([&] { saved = saveProduct(); });
+    if (!saved)
         return;
-    }
-    if (!db().query("select model from productmaster where model='" + m_itemCode->text() + "'").eof()) {
-        dialogs().inform(QStringLiteral("Item Code already exist and assign to other product please choose another"));
-        return;
-    }
-    db().execute("Insert into productmaster(cmpid,mfgname,psrno,prodname,shortname,model,mrp,wr,rate,boxno) values('" + m_companyCode->text()
-                 + "','" + m_mfgName->text() + "','" + m_serial->text() + "','" + m_productName->text() + "','" + m_productShortName->text()
-                 + "','" + m_itemCode->text() + "','" + m_mrp->text() + "','" + m_wholesaleRate->text() + "','" + m_salesRate->text() + "','"
-                 + m_boxno->text() + "')");
-    dialogs().inform(QStringLiteral("Saved successfully"));
     clearFields();
     // The next product starts with its company; "&Save" would only store an empty one.
     m_add->setFocus();
 }
 
+bool ProductMasterScreen::saveProduct()
+{
+    if (!db().query("select prodname from productmaster where prodname='" + m_productName->text() + "'").eof()) {
+        dialogs().inform(QStringLiteral("Product already exist and assign to other product please choose another"));
+        return false;
+    }
+    if (!db().query("select model from productmaster where model='" + m_itemCode->text() + "'").eof()) {
+        dialogs().inform(QStringLiteral("Item Code already exist and assign to other product please choose another"));
+        return false;
+    }
+    if (const QString taken = m_proposedSerial.take(db(), m_serial, QStringLiteral("Product %1 was taken at another counter; this product is %2."));
+        !taken.isEmpty())
+        dialogs().inform(taken);
+    db().execute("Insert into productmaster(cmpid,mfgname,psrno,prodname,shortname,model,mrp,wr,rate,boxno) values('" + m_companyCode->text()
+                 + "','" + m_mfgName->text() + "','" + m_serial->text() + "','" + m_productName->text() + "','" + m_productShortName->text()
+                 + "','" + m_itemCode->text() + "','" + m_mrp->text() + "','" + m_wholesaleRate->text() + "','" + m_salesRate->text() + "','"
+                 + m_boxno->text() + "')");
+    dialogs().inform(QStringLiteral("Saved successfully"));
+    return true;
+}
+
 void ProductMasterScreen::updateClicked()
 {
     m_update->setEnabled(false);
-    db().execute("update productmaster set cmpid='" + m_companyCode->text() + "',mfgname='" + m_mfgName->text() + "',psrno=" + m_serial->text()
-                 + ",prodname='" + m_productName->text() + "',shortname= '" + m_productShortName->text() + "',model='" + m_itemCode->text()
-                 + "',mrp='" + m_mrp->text() + "',wr='" + m_wholesaleRate->text() + "',rate='" + m_salesRate->text() + "',boxno='"
-                 + m_boxno->text() + "' where cmpid='" + m_companyCode->text() + "' and psrno=" + m_serial->text());
-    dialogs().inform(QStringLiteral("product updated successfully"));
+    act([this] {
+        db().execute("update productmaster set cmpid='" + m_companyCode->text() + "',mfgname='" + m_mfgName->text() + "',psrno="
+                     + m_serial->text() + ",prodname='" + m_productName->text() + "',shortname= '" + m_productShortName->text() + "',model='"
+                     + m_itemCode->text() + "',mrp='" + m_mrp->text() + "',wr='" + m_wholesaleRate->text() + "',rate='" + m_salesRate->text()
+                     + "',boxno='" + m_boxno->text() + "' where cmpid='" + m_companyCode->text() + "' and psrno=" + m_serial->text());
+        dialogs().inform(QStringLiteral("product updated successfully"));
+    });
     clearFields();
     m_companyCode->setFocus(); // where the next product to edit is searched
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "widgets/proposednumber.h"
 #include "widgets/screen.h"
 
 class QFrame;
@@ -26,12 +27,14 @@ private:
     void companyCodeClicked();
     void productChosen();
     void saveClicked();
+    bool saveProduct();
     void updateClicked();
     void cancelClicked();
     void clearFields();
 
     QLineEdit *m_companyCode;
     QLineEdit *m_serial;
+    ProposedNumber m_proposedSerial;
     QLineEdit *m_mfgName;
     QLineEdit *m_productName;
     QLineEdit *m_productShortName;

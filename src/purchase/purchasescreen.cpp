@@ -27,7 +27,8 @@ bool typesInGrid(int key)
 } // namespace
 
 PurchaseScreen::PurchaseScreen(Services &services, QWidget *parent)
-    : InvoiceScreen(services, {"Purchase", "Purchse Order No :", "Item code", "product stock grid", "party grid", "Purchase order"}, parent)
+    : InvoiceScreen(services, {"Purchase", "Purchse Order No :", "Item code", "product stock grid", "party grid", "Purchase order",
+                                   "Voucher %1 was taken at another counter; this voucher is %2."}, parent)
 {
     on(m_modeEvents, &FieldEvents::keyReleased, &PurchaseScreen::modeKeyReleased);
     on(new FieldEvents(m_number), &FieldEvents::keyPressed, &PurchaseScreen::voucherNumberKeyPressed);
@@ -104,15 +105,26 @@ void PurchaseScreen::openSuppliersVoucher(const QString &columns)
     m_cancel->setEnabled(true);
 }
 
-// One line, in this order: the line, the stock row, the lines and their total, the header.
-// Nothing is checked first; a failing statement leaves the earlier ones done.
+// One line, in this order: the line, the stock row, the lines and their total, the header, as
+// one action. Nothing is checked first; a failing statement leaves the earlier ones done.
 void PurchaseScreen::addClicked()
 {
-    if (m_writeLines)
+    act([this] { addLine(); });
+    m_endInventory->setEnabled(false);
+    m_print->setEnabled(false);
+    m_lookup->listAllProducts();
+    clearItemFields();
+}
+
+void PurchaseScreen::addLine()
+{
+    if (m_writeLines) {
+        takeProposedNumber();
         db().execute("insert into purchase(cmpid,psrno,pono,prodname,party,model,qty,rate,amount,trans,status) values('" + m_cmpid->text()
-                     + "','" + m_psrno->text() + "','" + m_number->text() + "', '" + m_productName->text() + "','" + m_party->text() + "','"
-                     + m_itemCode->text() + "','" + m_qty->text() + "','" + m_rate->text() + "','" + m_amount->text() + "','" + mode()
-                     + "','u')");
+                         + "','" + m_psrno->text() + "','" + m_number->text() + "', '" + m_productName->text() + "','" + m_party->text() + "','"
+                         + m_itemCode->text() + "','" + m_qty->text() + "','" + m_rate->text() + "','" + m_amount->text() + "','" + mode()
+                         + "','u')");
+    }
     const bool newLot = bookStock();
 
     // The first heading reads "prodname" after a new lot and "Item" after a raised one.
@@ -125,10 +137,6 @@ void PurchaseScreen::addClicked()
 
     if (m_writeHeader)
         writeHeader();
-    m_endInventory->setEnabled(false);
-    m_print->setEnabled(false);
-    m_lookup->listAllProducts();
-    clearItemFields();
 }
 
 // One stock row per product name: the first purchase creates it with its own voucher, supplier,
@@ -172,8 +180,10 @@ void PurchaseScreen::endInventoryClicked()
 {
     if (!dialogs().ask(QStringLiteral("Are You Sure You Want To End Inventory")))
         return;
-    db().execute("update purchase set status='p' where pono='" + m_number->text() + "' and trans='" + mode() + "'");
-    dialogs().inform(QStringLiteral("Voucher Paid Successfully"));
+    act([this] {
+        db().execute("update purchase set status='p' where pono='" + m_number->text() + "' and trans='" + mode() + "'");
+        dialogs().inform(QStringLiteral("Voucher Paid Successfully"));
+    });
     for (QLineEdit *field : {m_mode, m_party, m_number, m_itemCode})
         field->clear();
     m_mode->setFocus();
@@ -191,7 +201,18 @@ void PurchaseScreen::cancelClicked()
         m_total->setText(header.text("netamt"));
     if (!dialogs().ask(QStringLiteral("Are You Sure You Want To Cancel Invoice")))
         return;
+    act([this] { cancelVoucher(); });
 
+    for (QLineEdit *field : {m_number, m_party, m_qty, m_rate, m_amount, m_total})
+        field->clear();
+    for (QPushButton *button : {m_cancel, m_endInventory, m_print})
+        button->setEnabled(false);
+    // The next voucher starts in the mode field, not on "&Close" beyond the disabled buttons.
+    m_mode->setFocus();
+}
+
+void PurchaseScreen::cancelVoucher()
+{
     for (int row = 1, rows = m_lines->rows(); row < rows; ++row) {
         const QString item = m_lines->text(row, 2);
         const double quantity = val(m_lines->text(row, 3));
@@ -206,13 +227,6 @@ void PurchaseScreen::cancelClicked()
     db().execute("delete from purchase where pono='" + m_number->text() + "' and trans='" + mode() + "'");
     db().execute("delete from purchasemain where pono=" + m_number->text() + " and trans='" + mode() + "'");
     dialogs().inform(QStringLiteral("Invoice Cancelled Successfully"));
-
-    for (QLineEdit *field : {m_number, m_party, m_qty, m_rate, m_amount, m_total})
-        field->clear();
-    for (QPushButton *button : {m_cancel, m_endInventory, m_print})
-        button->setEnabled(false);
-    // The next voucher starts in the mode field, not on "&Close" beyond the disabled buttons.
-    m_mode->setFocus();
 }
 
 // Wider rules than the invoice, and no blank between "Date :" and the date.

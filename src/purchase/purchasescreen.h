@@ -22,6 +22,8 @@ private:
     void partyClickedInList();
     void partyKeyPressedInList(int key);
     void addClicked();
+    void addLine();
+    void cancelVoucher();
     void endInventoryClicked();
     void cancelClicked();
     void printClicked();

@@ -18,7 +18,8 @@
 namespace vantrel {
 
 SalesScreen::SalesScreen(Services &services, QWidget *parent)
-    : InvoiceScreen(services, {"Sales", "Invoice No :", "item code", "product/stock grid", "party list", "Sales invoice"}, parent)
+    : InvoiceScreen(services, {"Sales", "Invoice No :", "item code", "product/stock grid", "party list", "Sales invoice",
+                                "Invoice %1 was taken at another counter; this invoice is %2."}, parent)
 {
     // The discount beside the total: percent, then the amount, which has no label of its own.
     m_discountPercent = makeField(QStringLiteral("discount percent"));
@@ -120,10 +121,18 @@ void SalesScreen::linesGridClicked()
 }
 
 // One line, in this order: the line, the payment (credit only), the stock, the lines and their
-// total, the header. Nothing is checked first; a failing statement leaves the earlier ones done.
+// total, the header, as one action. Nothing is checked first; a failing statement leaves the
+// earlier ones done.
 void SalesScreen::addClicked()
 {
+    act([this] { addLine(); });
+    resetForNextLine();
+}
+
+void SalesScreen::addLine()
+{
     if (m_writeLines) {
+        takeProposedNumber();
         db().execute("insert into sales(cmpid,psrno,invoice,prodname,party,model,qty,rate,amount,trans,status) values('" + m_cmpid->text()
                      + "','" + m_psrno->text() + "','" + m_number->text() + "', '" + m_productName->text() + "','" + m_party->text() + "','"
                      + m_itemCode->text() + "','" + m_qty->text() + "','" + m_rate->text() + "','" + m_amount->text() + "','" + mode()
@@ -141,7 +150,6 @@ void SalesScreen::addClicked()
 
     if (m_writeHeader)
         writeHeader();
-    resetForNextLine();
 }
 
 // A credit line is paid out of the ledger; the balance is the shop's overall one.
@@ -199,20 +207,24 @@ void SalesScreen::discountFocusLost()
     const double total = val(m_total->text());
     m_discountAmount->setText(doubleText(total * val(m_discountPercent->text()) / 100));
     m_grandTotal->setText(doubleText(total - val(m_discountAmount->text())));
-    const Recordset header = db().query("select * from salesmain where invoice=" + m_number->text() + " and trans='" + mode() + "'");
-    if (header.eof())
-        return;
-    db().execute("update salesmain set dis='" + m_discountPercent->text() + "',disamt='" + m_discountAmount->text() + "',gd='"
-                 + m_grandTotal->text() + "' where invoice=" + m_number->text() + " and trans='" + mode() + "'");
-    dialogs().inform(QStringLiteral("Discount Calculated on invoice"));
+    act([this] {
+        const Recordset header = db().query("select * from salesmain where invoice=" + m_number->text() + " and trans='" + mode() + "'");
+        if (header.eof())
+            return;
+        db().execute("update salesmain set dis='" + m_discountPercent->text() + "',disamt='" + m_discountAmount->text() + "',gd='"
+                     + m_grandTotal->text() + "' where invoice=" + m_number->text() + " and trans='" + mode() + "'");
+        dialogs().inform(QStringLiteral("Discount Calculated on invoice"));
+    });
 }
 
 void SalesScreen::endInventoryClicked()
 {
     if (!dialogs().ask(QStringLiteral("Are You Sure You Want To End Inventory")))
         return;
-    db().execute("update sales set status='p' where invoice='" + m_number->text() + "' and trans='" + mode() + "'");
-    dialogs().inform(QStringLiteral("Invoice Amount Received"));
+    act([this] {
+        db().execute("update sales set status='p' where invoice='" + m_number->text() + "' and trans='" + mode() + "'");
+        dialogs().inform(QStringLiteral("Invoice Amount Received"));
+    });
     m_mode->setFocus();
     for (QLineEdit *field : {m_party, m_number, m_itemCode, m_total, m_grandTotal, m_discountPercent, m_discountAmount})
         field->clear();
@@ -231,6 +243,19 @@ void SalesScreen::cancelClicked()
         return;
 
     m_products->refresh();
+    act([this] { cancelInvoice(); });
+
+    m_lines->refresh();
+    for (QLineEdit *field : {m_number, m_itemCode, m_amount, m_total})
+        field->clear();
+    m_cancel->setEnabled(false);
+    m_print->setEnabled(false);
+    // The next invoice starts in the mode field, not on "&Close" beyond the disabled buttons.
+    m_mode->setFocus();
+}
+
+void SalesScreen::cancelInvoice()
+{
     for (int row = 1, rows = m_lines->rows(); row < rows; ++row) {
         const QString product = m_lines->text(row, 2);
         const double quantity = val(m_lines->text(row, 3));
@@ -245,14 +270,6 @@ void SalesScreen::cancelClicked()
     db().execute("delete from sales where invoice='" + m_number->text() + "' and trans='" + mode() + "'");
     db().execute("delete from salesmain where invoice=" + m_number->text() + " and trans='" + mode() + "'");
     dialogs().inform(QStringLiteral("Invoice Cancelled Successfully"));
-
-    m_lines->refresh();
-    for (QLineEdit *field : {m_number, m_itemCode, m_amount, m_total})
-        field->clear();
-    m_cancel->setEnabled(false);
-    m_print->setEnabled(false);
-    // The next invoice starts in the mode field, not on "&Close" beyond the disabled buttons.
-    m_mode->setFocus();
 }
 
 void SalesScreen::printClicked()

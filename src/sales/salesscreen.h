@@ -22,6 +22,8 @@ private:
     void invoiceNumberKeyPressed(int key);
     void linesGridClicked();
     void addClicked();
+    void addLine();
+    void cancelInvoice();
     void discountFocusLost();
     void endInventoryClicked();
     void cancelClicked();

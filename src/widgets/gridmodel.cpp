@@ -64,8 +64,8 @@ bool GridModel::bind(Database &db, const QString &sql, BindMode mode)
     } else {
         m_pending.close();
     }
-    try {
-        fetch(Screenful - 1, -1, false);
+    try { // during an action every row, so that its connection is free for the next statement
+        fetch(m_pending.readsInAction() ? std::numeric_limits<int>::max() : Screenful - 1, -1, false);
     } catch (...) {
         endResetModel();
         throw;

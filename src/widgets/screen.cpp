@@ -27,8 +27,8 @@ Screen::Screen(Services &services, const QString &caption, QWidget *parent) : QW
 void Screen::waitForServer(QString message)
 {
     for (;;) {
-        if (!dialogs().ask(QStringLiteral("The books' server stopped answering: %1\n\nThe action was cut off there. What was saved before it "
-                                          "stays saved; vantrel-check names what it left half done. Check that the server is running and "
+        if (!dialogs().ask(QStringLiteral("The books' server stopped answering: %1\n\nThe action was cut off there, and nothing of it was saved; "
+                                          "what was saved before it stays saved. Check that the server is running and "
                                           "that this computer can reach it. Try again?")
                                .arg(message))) {
             m_services.unhandledError(message);
@@ -51,6 +51,31 @@ void Screen::guard(const std::function<void()> &action)
     } catch (const std::exception &error) {
         m_services.unhandledError(QString::fromLocal8Bit(error.what()));
     }
+}
+
+void Screen::act(const std::function<void()> &statements)
+{
+    db().beginAction();
+    m_boxes.hold();
+    try {
+        statements();
+    } catch (...) {
+        bool kept = true;
+        try {
+            db().endAction();
+        } catch (const UnhandledError &) { // the first failure is the one told
+            kept = false;
+        }
+        m_boxes.release(kept);
+        throw;
+    }
+    try {
+        db().endAction();
+    } catch (...) {
+        m_boxes.release(false);
+        throw;
+    }
+    m_boxes.release(true);
 }
 
 void Screen::showEvent(QShowEvent *event)

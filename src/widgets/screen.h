@@ -1,5 +1,6 @@
 #pragma once
 
+#include "heldboxes.h"
 #include "output/printout.h"
 #include "services.h"
 
@@ -51,7 +52,13 @@ public:
 
 protected:
     Database &db() const { return m_services.db; }
-    Dialogs &dialogs() const { return m_services.dialogs; }
+    Dialogs &dialogs() { return m_boxes; }
+
+    // Runs STATEMENTS as one action on the books (Database::beginAction): no other counter's
+    // action comes between them, and the information boxes they show are held until it has
+    // ended (shown then, or dropped when nothing of it was kept). A failure ends the action
+    // keeping what ran before it, and goes on to the handler's edge. Ask before acting.
+    void act(const std::function<void()> &statements);
 
     // Connects a signal to a handler of the screen, or of a helper the screen owns, run through
     // guard(). The handler takes the signal's arguments or none.
@@ -101,6 +108,7 @@ protected:
 
 private:
     Services &m_services;
+    HeldBoxes m_boxes{m_services.dialogs};
     bool m_fillsArea = true;
     QString m_keysHint = menuKeys();
 };
