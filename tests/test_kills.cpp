@@ -3,16 +3,23 @@
 // a digest of the books after it; killed a random time after it said it was ready, the file's
 // pages must be sound and, when no action was cut off, its books what the last one left (what a
 // cut one leaves is the check's business). The next worker carries on, as after a crash.
-//   test_kills --kills N | --together N | --closes N [--seed S]    (the soak runs more)
-//   test_kills --worker DIR SEED | --close DIR                       (started by the tests)
+// Several counters at once on the same books (the file, or the tests' server when
+// VANTREL_TEST_SERVER names one), each a program keying its own random actions: no number given
+// twice, every stock figure and ledger balance what the rows say it is, the check clean.
+//   test_kills --kills N | --closes N | --counters N,N... ACTIONS [--seed S]   (the soak runs more; ACTIONS
+//     are shared among each run's counters)
+//   test_kills --worker DIR SEED | --close DIR | --counter DIR BOOKS SEED ACTIONS        (started by the tests)
 #include "support/steps.h"
 #include "care/yearclose.h"
+#include "data/records.h"
+#include "data/serverschema.h"
 
 #include <QCryptographicHash>
 #include <QElapsedTimer>
 #include <QProcess>
 #include <QRandomGenerator>
 #include <QThread>
+#include <cmath>
 #include <cstdio>
 
 using namespace vantrel;
@@ -25,16 +32,33 @@ const int Products = 24;
 const QStringList Parties = {"PARTYA", "PARTYB", "PARTYC", "PARTYD", "PARTYE"};
 QString shopFile(const QString &directory) { return QDir(directory).filePath(QStringLiteral("vantrel.accdb")); }
 
-void makeShop(const QString &directory)
+const int Opening = 20000;
+
+// The shop's books: the file in DIRECTORY, or with SERVERNAME a database of that name on the
+// tests' server when there is one. Returns their connection.
+QString makeShop(const QString &directory, const QString &serverName = {})
 {
-    createDatabaseFile(shopFile(directory));
-    SqliteFile file(shopFile(directory), SqliteFile::Access::ReadWrite);
-    file.execute(QStringLiteral("with recursive n(i) as (select 1 union all select i + 1 from n where i < %1) insert into productmaster"
-                                "(cmpid,psrno,prodname,model,rate) select 'CIP', i, printf('ITEM %02d', i), 7000 + i, 5 + i * 2.5 from n").arg(Products));
-    file.execute(QStringLiteral("insert into stock(cmpid,pono,psrno,prodname,model,party,totqty,rate,amt,usedqty,stk) select cmpid, '0', psrno, "
-                                "prodname, model, 'OPENING', 20000, 1, 1, 0, 20000 from productmaster where psrno <= %1").arg(Products - 4));
+    QString books = buildConnectionString(directory);
+    if (!serverName.isEmpty() && !test::testServer().isEmpty()) {
+        books = test::newServerDatabase(serverName);
+        createServerBooks(books);
+    } else {
+        createDatabaseFile(shopFile(directory));
+    }
+    Database db(books);
+    db.beginAction(); // one write of the whole shop
+    for (int i = 1; i <= Products; ++i) {
+        const QString item = QStringLiteral("ITEM %1").arg(i, 2, 10, QLatin1Char('0'));
+        db.execute(QStringLiteral("insert into productmaster(cmpid,psrno,prodname,model,rate) values('CIP','%1','%2','%3','%4')")
+                       .arg(i).arg(item).arg(7000 + i).arg(5 + i * 2.5));
+        if (i <= Products - 4)
+            db.execute(QStringLiteral("insert into stock(cmpid,pono,psrno,prodname,model,party,totqty,rate,amt,usedqty,stk) values("
+                                      "'CIP','0','%1','%2','%3','OPENING','%4','1','1','0','%4')").arg(i).arg(item).arg(7000 + i).arg(Opening));
+    }
     for (int i = 0; i < Parties.size(); ++i)
-        file.execute(QStringLiteral("insert into suppliermaster(ID,suppname) values(%1,'%2')").arg(i + 1).arg(Parties[i]));
+        db.execute(QStringLiteral("insert into suppliermaster(ID,suppname) values('%1','%2')").arg(i + 1).arg(Parties[i]));
+    db.endAction();
+    return books;
 }
 
 // Every row of the books, as text, sorted: what a completed action leaves and a close keeps.
@@ -76,6 +100,101 @@ void say(const QString &line)
         say("done " + digest(booksOf(shopFile(directory))));
         QThread::msleep(random.bounded(40)); // the operator's pause, in which a kill finds the books at rest
     }
+}
+
+// A counter: ACTIONS random actions of whole numbers on the books, each "done" when it has
+// returned; then how many numbers it found taken by another counter, and how many documents
+// changed by one between their showing and its action on them.
+[[noreturn]] void keyAsCounter(const QString &directory, const QString &books, quint32 seed, int actions)
+{
+    test::StepDesk desk(directory, books);
+    desk.shop.dialogs.answerYes = true;
+    desk.shop.services().unhandledError = [](const QString &message) { say("error " + message), std::_Exit(3); };
+    QRandomGenerator random(seed);
+    QStringList codes;
+    for (int i = 0; i < Products - 4; ++i) // products with their opening lot
+        codes << QString::number(7001 + i);
+    for (int i = 0; i < actions; ++i) {
+        desk.run(desk.randomAction(random, Parties, codes, {"1", "2", "3"}));
+        say(QStringLiteral("done"));
+    }
+    say(QStringLiteral("taken %1").arg(desk.shop.dialogs.shown.filter(QStringLiteral("was taken at another counter")).size()));
+    say(QStringLiteral("changed %1").arg(desk.shop.dialogs.shown.filter(QStringLiteral("was changed at another counter")).size()));
+    std::_Exit(0);
+}
+
+// What the books hold that several counters at once must never leave: a number twice in a
+// series, a stock figure that is not its opening, purchases and sales as their lines stand, a
+// ledger balance that is not the overall one over the rows before it; and the check's findings.
+QStringList faultsOf(const QString &books, const QString &checked)
+{
+    QStringList faults;
+    Database db(books);
+    const QList<QStringList> series = {{"salesmain", "invoice", "trans"}, {"purchasemain", "pono", "trans"}, {"ledger", "refno", "type"},
+                                       {"suppliermaster", "ID", "1"}, {"productmaster", "psrno", "cmpid"}};
+    for (const QStringList &s : series)
+        for (Recordset twice = db.query(QStringLiteral("select %2 as n, %3 as s from %1 group by %2, %3 having count(*) > 1").arg(s[0], s[1], s[2]));
+             !twice.eof(); twice.moveNext())
+            faults << QStringLiteral("%1 %2 %3 given twice").arg(s[0], twice.text("s"), twice.text("n"));
+    QHash<QString, double> bought, sold;
+    for (Recordset line = db.query(QStringLiteral("select prodname, qty from purchase")); !line.eof(); line.moveNext())
+        bought[line.text("prodname")] += val(line.text("qty"));
+    for (Recordset line = db.query(QStringLiteral("select prodname, qty from sales")); !line.eof(); line.moveNext())
+        sold[line.text("prodname")] += val(line.text("qty"));
+    for (Recordset lot = db.query(QStringLiteral("select prodname, totqty, usedqty, stk from stock")); !lot.eof(); lot.moveNext()) {
+        const QString item = lot.text("prodname");
+        if (lot.number("totqty") != Opening + bought[item] || lot.number("usedqty") != sold[item] || lot.number("stk") != Opening + bought[item] - sold[item])
+            faults << QStringLiteral("%1: stock %2 of %3 used %4, its lines %5 bought %6 sold").arg(item, lot.text("stk"), lot.text("totqty"), lot.text("usedqty"))
+                          .arg(bought[item]).arg(sold[item]);
+    }
+    double credits = 0, debits = 0;
+    for (Recordset row = db.query(QStringLiteral("select refno, type, credit, debit, balance from ledger order by rowid")); !row.eof(); row.moveNext()) {
+        const bool receipt = row.text("type").compare(QLatin1String("receipt"), Qt::CaseInsensitive) == 0;
+        (receipt ? credits : debits) += row.number(receipt ? "credit" : "debit");
+        const float credit = toSingle(credits), debit = toSingle(debits);
+        const float balance = !receipt && credit == 0 ? debit : toSingle(std::fabs(double(credit) - double(debit)));
+        if (toSingle(row.number("balance")) != balance)
+            faults << QStringLiteral("%1 %2: balance %3, the rows before it give %4").arg(row.text("type"), row.text("refno"), row.text("balance"))
+                          .arg(double(balance));
+    }
+    const CheckReport report = checkShopFile(checked, CheckDepth::Full);
+    if (!report.clean())
+        faults << report.text();
+    return faults;
+}
+
+// COUNTERS programs at once on one shop's books, ACTIONS each.
+int runCounters(int counters, int actions, QRandomGenerator &random, const QString &self)
+{
+    QTemporaryDir shop;
+    const QString books = makeShop(shop.path(), QStringLiteral("counters_%1_%2").arg(QCoreApplication::applicationPid()).arg(counters));
+    std::vector<std::unique_ptr<QProcess>> workers;
+    QElapsedTimer took;
+    took.start();
+    for (int i = 0; i < counters; ++i) {
+        workers.push_back(std::make_unique<QProcess>());
+        workers.back()->start(self, {QStringLiteral("--counter"), shop.path(), books, QString::number(random.generate()), QString::number(actions)});
+    }
+    int done = 0, taken = 0, changed = 0, errors = 0;
+    for (auto &worker : workers) {
+        worker->waitForFinished(-1);
+        for (const QString &line : QString::fromUtf8(worker->readAllStandardOutput()).split(QLatin1Char('\n'), Qt::SkipEmptyParts)) {
+            done += line == QLatin1String("done");
+            taken += line.startsWith(QLatin1String("taken ")) ? line.mid(6).toInt() : 0;
+            changed += line.startsWith(QLatin1String("changed ")) ? line.mid(8).toInt() : 0;
+            if (line.startsWith(QLatin1String("error")))
+                std::printf("a counter met an error: %s\n", qPrintable(line)), ++errors;
+        }
+        if (worker->exitCode() != 0 && errors == 0)
+            std::printf("a counter ended so: %s\n", worker->readAllStandardError().constData()), ++errors;
+    }
+    const QStringList faults = faultsOf(books, test::testServer().isEmpty() ? shopFile(shop.path()) : books);
+    for (const QString &fault : faults)
+        std::printf("fault: %s\n", qPrintable(fault));
+    std::printf("%d counters on the %s: %d actions in %.1f s, %d numbers taken over by another counter, %d conflicts told, %d faults\n",
+                counters, test::testServer().isEmpty() ? "file" : "server", done, double(took.elapsed()) / 1000, taken, changed,
+                int(faults.size()) + errors);
+    return faults.isEmpty() && errors == 0 && done == counters * actions ? 0 : 1;
 }
 
 // What a worker said: the digest after its last completed action, whether one was begun since.
@@ -131,35 +250,6 @@ int runKills(int kills, QRandomGenerator &random, const QString &self)
     }
     std::printf("%d kills (%d in the middle of an action); %d actions completed; %d faults\n", kills, midAction, completed, faults);
     return faults == 0 && completed > 0 ? 0 : 1;
-}
-
-// Two copies of the program at work on one file at once, as when the operator starts it twice:
-// neither may meet an error (each waits for the other's write), and the file stays sound.
-// Both may propose the same number and so write into one document; that is the system's own
-// numbering, not reserved.
-int runTogether(int actions, QRandomGenerator &random, const QString &self)
-{
-    QTemporaryDir shop;
-    makeShop(shop.path());
-    QProcess workers[2];
-    Said said[2];
-    for (QProcess &worker : workers)
-        if (!startWorker(worker, self, shop.path(), random.generate()))
-            return 1;
-    while ((said[0].completed < actions || said[1].completed < actions) && workers[0].state() == QProcess::Running
-           && workers[1].state() == QProcess::Running)
-        for (int i = 0; i < 2; ++i)
-            if (workers[i].waitForReadyRead(100))
-                said[i].read(workers[i].readAll());
-    for (int i = 0; i < 2; ++i) {
-        workers[i].kill();
-        workers[i].waitForFinished();
-        said[i].read(workers[i].readAll());
-    }
-    const CheckReport report = checkShopFile(shopFile(shop.path()), CheckDepth::Full);
-    std::printf("two copies at once: %d and %d actions completed; pages %s\n", said[0].completed, said[1].completed,
-                report.damage.isEmpty() ? "sound" : "DAMAGED");
-    return said[0].errors + said[1].errors == 0 && report.damage.isEmpty() && said[0].completed >= actions && said[1].completed >= actions ? 0 : 1;
 }
 
 // The year closed again and again on a shop of settled books, each close killed at a random
@@ -226,6 +316,8 @@ int main(int argc, char **argv)
     try {
         if (command == QLatin1String("--worker"))
             work(args.value(2), args.value(3).toUInt());
+        if (command == QLatin1String("--counter"))
+            keyAsCounter(args.value(2), args.value(3), args.value(4).toUInt(), args.value(5).toInt());
         if (command == QLatin1String("--close")) {
             say(QStringLiteral("begin"));
             const QString path = shopFile(args.value(2));
@@ -235,8 +327,13 @@ int main(int argc, char **argv)
         }
         std::printf("seed %u\n", seed);
         const int count = args.value(2).toInt();
-        return command == QLatin1String("--closes") ? runCloses(count, random, self)
-             : command == QLatin1String("--together") ? runTogether(count, random, self) : runKills(count, random, self);
+        if (command == QLatin1String("--counters")) {
+            int failed = 0;
+            for (const QString &counters : args.value(2).split(QLatin1Char(',')))
+                failed |= runCounters(counters.toInt(), args.value(3).toInt() / counters.toInt(), random, self);
+            return failed;
+        }
+        return command == QLatin1String("--closes") ? runCloses(count, random, self) : runKills(count, random, self);
     } catch (const UnhandledError &error) {
         std::printf("%s\n", qPrintable(error.message()));
         return 1;

@@ -116,9 +116,9 @@ public:
                 trace(QStringLiteral("The edit log's chain is broken"),
                       QStringLiteral("at %1: it, or an entry before it, was changed, deleted or put in out of turn").arg(entryName(*entries)));
             }
-            // The file's program writes "program"; on the server each counter writes its name.
+            // The program writes its counter's name; anything else leaves "other".
             const QByteArray source = entries->bytes(7);
-            if ((m_server ? source == "other" : source != "program") && !entries->bytes(2).isEmpty())
+            if (source == "other" && !entries->bytes(2).isEmpty())
                 notice(QStringLiteral("A change made outside the program"), entryName(*entries));
             previous = hash;
         }

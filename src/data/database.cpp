@@ -192,7 +192,7 @@ QString Database::openConnection(const QString &name, Role role)
     sqlite3 *engine = *static_cast<sqlite3 *const *>(handle.constData());
     registerSqlFunctions(engine, ShortDate());
     if (role == Writer && m_access == Access::ReadWrite)
-        failure = attachEditLog(engine);
+        failure = attachEditLog(engine, ProgramSettings::read().counter());
     if (!failure.isEmpty()) {
         db.close();
         return QStringLiteral("the edit log cannot be kept: %1").arg(failure);

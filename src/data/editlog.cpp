@@ -3,6 +3,7 @@
 #include "data/schema.h"
 #include "editlogchain.h"
 #include "enginestatement.h"
+#include "data/records.h"
 #include "data/unhandlederror.h"
 
 #include <QCryptographicHash>
@@ -165,16 +166,18 @@ QString rowsAsLoggedText(const LoggedTable &table)
     return "select rowid, " + columnsOf(QString(), table.columns) + " from " + table.name + " order by rowid";
 }
 
-QString attachEditLog(sqlite3 *db)
+QString attachEditLog(sqlite3 *db, const QString &source)
 {
     if (!holdsEditLog(db))
         return {};
     if (sqlite3_create_function_v2(db, "editlog_chain", 8, SQLITE_UTF8, nullptr, chainFunction, nullptr, nullptr, nullptr) != SQLITE_OK)
         return engineMessage(db);
-    const char *seal = "create temp trigger if not exists editlog_seal after insert on main.editlog when new.hash is null begin "
-                       "update editlog set source = 'program', "
-                       "hash = editlog_chain(new.id, new.at, new.tab, new.rid, new.action, new.old, new.new, 'program') where id = new.id; end";
-    if (sqlite3_exec(db, seal, nullptr, nullptr, nullptr) != SQLITE_OK)
+    const QByteArray seal = QStringLiteral("create temp trigger if not exists editlog_seal after insert on main.editlog when new.hash is null begin "
+                                           "update editlog set source = %1, "
+                                           "hash = editlog_chain(new.id, new.at, new.tab, new.rid, new.action, new.old, new.new, %1) where id = new.id; end")
+                                .arg(sqlLiteral(source))
+                                .toUtf8();
+    if (sqlite3_exec(db, seal.constData(), nullptr, nullptr, nullptr) != SQLITE_OK)
         return engineMessage(db);
     return sealUnsealed(db);
 }

@@ -21,7 +21,8 @@ namespace vantrel {
 //   action  insert, update or delete; start or close for a note
 //   old/new the row before and after, as a JSON array of its columns in the table's order
 //           (a note keeps its words and figures in new, as a JSON object)
-//   source  "program" when this program made it, "other" when anything else did
+//   source  the counter's name when the program made it ("program" for its tools), "other"
+//           when anything else did
 //   hash    SHA-256 (hex) over the previous entry's hash and this entry's fields: the chain
 // The triggers use the engine's built-in functions only. On the program's connection a temporary
 // trigger marks each new entry as the program's and seals it into the chain at once; an entry
@@ -50,10 +51,10 @@ QString dropEditLogTriggersText();
 QString rowsAsLoggedText(const LoggedTable &table);
 
 // Prepares a writing connection to a file that has the log: the chain function and the
-// temporary trigger that marks and seals the program's entries; then seals what another client
-// left unsealed. A file without the log is left alone. Returns the engine's message when a step
-// fails, else an empty string.
-QString attachEditLog(sqlite3 *db);
+// temporary trigger that marks the program's entries as made by SOURCE (this counter's name)
+// and seals them; then seals what another client left unsealed. A file without the log is left
+// alone. Returns the engine's message when a step fails, else an empty string.
+QString attachEditLog(sqlite3 *db, const QString &source = QStringLiteral("program"));
 
 // Writes a note into the log, attaching the connection first (see attachEditLog): ACTION is
 // "start" (the log begins: the note carries the digest of every table as it stands, the

@@ -212,6 +212,30 @@ void InvoiceScreen::takeProposedNumber()
         dialogs().inform(taken);
 }
 
+QStringList InvoiceScreen::linesShown(bool shown)
+{
+    QStringList rows;
+    for (int row = 1, count = shown ? m_lines->rows() : 0; row < count; ++row) {
+        QStringList cells;
+        for (int col = 0; col < m_lines->cols(); ++col)
+            cells << m_lines->text(row, col);
+        rows << cells.join(QLatin1Char('\t'));
+    }
+    return rows;
+}
+
+QStringList InvoiceScreen::linesNow(const QString &sql)
+{
+    QStringList rows;
+    for (Recordset lines = db().query(sql); !lines.eof(); lines.moveNext()) {
+        QStringList row;
+        for (const QString &name : lines.fieldNames())
+            row << lines.text(name);
+        rows << row.join(QLatin1Char('\t'));
+    }
+    return rows;
+}
+
 void InvoiceScreen::partyKeyPressed(int key)
 {
     enterListOnDown(key, m_parties);

@@ -53,6 +53,12 @@ protected:
     // when another counter has taken it meanwhile, the document gets the next free one and the
     // operator is told. A number the operator typed or opened is the operator's.
     void takeProposedNumber();
+    // The document's lines as the lines grid shows them (none when SHOWN is false: the query
+    // found none and the grid kept what it had), and as SQL reads them now, each row's texts:
+    // when the two differ in the action on the document, another counter changed it since it
+    // was shown (the action then leaves it, and says so).
+    QStringList linesShown(bool shown);
+    QStringList linesNow(const QString &sql);
     void partyKeyPressed(int key);
     void partyKeyReleased(int key);
     void partyClicked();

@@ -194,14 +194,27 @@ void PurchaseScreen::endInventoryClicked()
 // voucher's lines and header are deleted.
 void PurchaseScreen::cancelClicked()
 {
-    m_lines->bind(db(), "select cmpid,model as code,prodname as item,qty,rate,amount from purchase where pono='" + m_number->text()
-                            + "' And trans='" + mode() + "'");
+    const QString lines = "select cmpid,model as code,prodname as item,qty,rate,amount from purchase where pono='" + m_number->text()
+                          + "' And trans='" + mode() + "'";
+    m_lines->bind(db(), lines);
+    const QStringList shown = linesShown(true);
     const Recordset header = db().query("select netamt from purchasemain where pono=" + m_number->text() + " and trans='" + mode() + "'");
     if (!header.eof())
         m_total->setText(header.text("netamt"));
     if (!dialogs().ask(QStringLiteral("Are You Sure You Want To Cancel Invoice")))
         return;
-    act([this] { cancelVoucher(); });
+    bool changed = false;
+    act([&] {
+        changed = linesNow(lines) != shown;
+        if (changed)
+            dialogs().inform("Voucher " + m_number->text() + " was changed at another counter since it was shown; it was not cancelled.");
+        else
+            cancelVoucher();
+    });
+    if (changed) {
+        m_lines->refresh();
+        return;
+    }
 
     for (QLineEdit *field : {m_number, m_party, m_qty, m_rate, m_amount, m_total})
         field->clear();

@@ -234,8 +234,9 @@ void SalesScreen::endInventoryClicked()
 // invoice's lines and header are deleted. The ledger keeps its payments.
 void SalesScreen::cancelClicked()
 {
-    m_lines->bindIfAny(db(), "select cmpid,model as code,prodname as item,qty,rate,amount from sales where invoice='" + m_number->text()
-                                 + "' And trans='" + mode() + "'");
+    const QString lines = "select cmpid,model as code,prodname as item,qty,rate,amount from sales where invoice='" + m_number->text()
+                          + "' And trans='" + mode() + "'";
+    const QStringList shown = linesShown(m_lines->bindIfAny(db(), lines));
     const Recordset header = db().query("select netamt from salesmain where invoice=" + invoiceNumber() + " and trans='" + mode() + "'");
     if (!header.eof())
         m_total->setText(header.text("netamt"));
@@ -243,9 +244,17 @@ void SalesScreen::cancelClicked()
         return;
 
     m_products->refresh();
-    act([this] { cancelInvoice(); });
-
+    bool changed = false;
+    act([&] {
+        changed = linesNow(lines) != shown;
+        if (changed)
+            dialogs().inform("Invoice " + m_number->text() + " was changed at another counter since it was shown; it was not cancelled.");
+        else
+            cancelInvoice();
+    });
     m_lines->refresh();
+    if (changed)
+        return;
     for (QLineEdit *field : {m_number, m_itemCode, m_amount, m_total})
         field->clear();
     m_cancel->setEnabled(false);

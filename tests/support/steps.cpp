@@ -212,10 +212,10 @@ QString StepDesk::described(const QString &sql)
     return out.join(" | ") + " | " + error;
 }
 
-QString StepDesk::randomAction(QRandomGenerator &random, const QStringList &parties, const QStringList &codes)
+QString StepDesk::randomAction(QRandomGenerator &random, const QStringList &parties, const QStringList &codes, const QStringList &quantities)
 {
     const auto any = [&random](const auto &from) { return from.value(int(random.bounded(quint32(from.size())))); };
-    const QStringList quantities = {"1", "2.5", "0.75", "3", "1.5"}, modes = {"C", "D"};
+    const QStringList modes = {"C", "D"};
     const auto line = [&] { return "; add " + any(codes) + " " + any(quantities); };
     const auto close = [&](const char *entry, const char *table, const char *number) {
         const QStringList document = any(shop.rows(QStringLiteral("select trans, %1 from %2").arg(QLatin1String(number), QLatin1String(table))));

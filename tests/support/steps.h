@@ -46,7 +46,7 @@ using Rows = QList<QStringList>;
 struct StepDesk {
     // The operator's desk: the shared shop and the main window, shown and active, no screen open.
     StepDesk() : shop(TestShop::Filled) { show(); }
-    explicit StepDesk(const QString &directory) : shop(directory) { show(); }
+    explicit StepDesk(const QString &directory, const QString &books = {}) : shop(directory, books) { show(); }
     TestShop shop;
     MainWindow window{shop.services()};
 
@@ -59,7 +59,8 @@ struct StepDesk {
     // An action of the operator's picked at random, as steps: a sale (cash or credit) of two
     // lines or a purchase of one, of CODES for one of PARTIES, a receipt, or a document of the
     // file settled or cancelled.
-    QString randomAction(QRandomGenerator &random, const QStringList &parties, const QStringList &codes);
+    QString randomAction(QRandomGenerator &random, const QStringList &parties, const QStringList &codes,
+                         const QStringList &quantities = {"1", "2.5", "0.75", "3", "1.5"});
 
     // Every row of the shop's tables, its fields by table and rowid.
     using Snapshot = QHash<QString, QHash<qint64, QStringList>>;

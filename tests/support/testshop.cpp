@@ -109,11 +109,11 @@ TestShop::TestShop(Start start)
 {
     // Each kind of shop is made once per test program and copied: the same books each time.
     const QString kind = start == Empty ? QStringLiteral("empty") : QStringLiteral("filled");
+    // The log names the counter: the shop's is "program", as the program's tools name their
+    // own changes.
+    QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, m_path);
+    QSettings().setValue(QStringLiteral("books/counter"), QStringLiteral("program"));
     if (!testServer().isEmpty()) {
-        // The server's log names the counter; the shop's is "program", as the file names the
-        // program's own changes, so that one case reads the same on both engines.
-        QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, m_path);
-        QSettings().setValue(QStringLiteral("books/counter"), QStringLiteral("program"));
         static QStringList made;
         static int shops = 0;
         const QString prefix = QStringLiteral("shop_%1_").arg(QCoreApplication::applicationPid()), first = prefix + kind;
@@ -142,10 +142,12 @@ TestShop::TestShop(Start start)
 
 QString TestShop::books() const
 {
+    if (!m_books.isEmpty())
+        return m_books;
     return m_serverDatabase.isEmpty() ? buildConnectionString(m_path) : serverDatabase(m_serverDatabase);
 }
 
-TestShop::TestShop(const QString &directory) : m_path(directory)
+TestShop::TestShop(const QString &directory, const QString &books) : m_path(directory), m_books(books)
 {
     open();
 }

@@ -71,8 +71,9 @@ class TestShop {
 public:
     enum Start { Empty, Filled };
     explicit TestShop(Start start = Empty);
-    // The shop in DIRECTORY as it is: another process's, at which a worker is set.
-    explicit TestShop(const QString &directory);
+    // The shop in DIRECTORY as it is (or the books BOOKS names, with DIRECTORY the program's):
+    // another process's, at which a worker is set.
+    explicit TestShop(const QString &directory, const QString &books = {});
     ~TestShop();
 
     QString directory() const { return m_path; }
@@ -100,6 +101,7 @@ private:
     std::unique_ptr<QTemporaryDir> m_dir;
     QString m_path;
     QString m_serverDatabase; // the shop's database on the tests' server, if it is there
+    QString m_books;          // the books given, else the directory's file or the server database
     std::unique_ptr<Database> m_db;
     std::unique_ptr<Services> m_services;
 };
