@@ -81,6 +81,7 @@ EditLogScreen::EditLogScreen(Services &services, QWidget *parent) : Screen(servi
         m_table->addItem(table.name);
     m_number = addField(form, QStringLiteral("Number"));
     m_party = addField(form, QStringLiteral("Party"));
+    m_counter = addField(form, QStringLiteral("Counter"));
     m_table->setMaximumWidth(m_party->maximumWidth());
     auto *show = new QPushButton(QStringLiteral("&Show"), this);
     form->addRow(QString(), show);
@@ -120,6 +121,8 @@ QString EditLogScreen::listing() const
     if (!m_party->text().trimmed().isEmpty())
         filters += " and " + anyColumn(forms, {QStringLiteral("party"), QStringLiteral("suppname"), QStringLiteral("ac"), QStringLiteral("accnm")},
                                        [&](const QString &value) { return forms.nameIs(value, m_party->text().trimmed()); });
+    if (!m_counter->text().trimmed().isEmpty())
+        filters += " and " + forms.nameIs(QStringLiteral("e.source"), m_counter->text().trimmed());
     QString sql = "with " + columnsTable()
         + " select [Entry], [When], [By], [Change], [Table], [Row], [Column], [Old], [New] from ("
           "select e.id as [Entry], e.at as [When], e.source as [By], e.action as [Change], e.tab as [Table], e.rid as [Row], c.pos as pos, "

@@ -29,6 +29,7 @@ private:
     QComboBox *m_table;
     QLineEdit *m_number;
     QLineEdit *m_party;
+    QLineEdit *m_counter; // the counter that made the change, as the log names it
     Grid *m_changes;
 };
 

@@ -12,9 +12,18 @@
 
 namespace vantrel::test {
 
+void ScriptedDialogs::inform(const QString &message)
+{
+    shown << message;
+    if (booksLocked && booksLocked())
+        QTest::qFail(qPrintable(QStringLiteral("a box shown while the books were locked: ") + message), __FILE__, __LINE__);
+}
+
 bool ScriptedDialogs::ask(const QString &question)
 {
     shown << question;
+    if (booksLocked && booksLocked())
+        QTest::qFail(qPrintable(QStringLiteral("a question asked while the books were locked: ") + question), __FILE__, __LINE__);
     if (answers.isEmpty()) {
         if (!answerYes)
             QTest::qFail(qPrintable(QStringLiteral("unscripted question: ") + question), __FILE__, __LINE__);
@@ -157,6 +166,7 @@ void TestShop::open()
     // Settings of the shop's own, from the program's defaults: two runs at once never share them.
     QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, m_path);
     m_db = std::make_unique<Database>(books());
+    dialogs.booksLocked = [this] { return m_db && m_db->inAction(); };
     m_services.reset(new Services{*m_db, dialogs, clock, m_path,
                                   [this](const QString &message) { unhandledErrors << message; }, {}, {}, {}});
 }

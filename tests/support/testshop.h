@@ -26,7 +26,9 @@ namespace vantrel::test {
 // answered from a script. A question nobody scripted fails the test.
 class ScriptedDialogs final : public Dialogs {
 public:
-    void inform(const QString &message) override { shown << message; }
+    // A box shown while an action holds the books' lock fails the test: every counter would wait
+    // on the operator reading it.
+    void inform(const QString &message) override;
     bool ask(const QString &question) override;
     int choose(const QString &question, const QStringList &items) override;
     // Recorded as "QUESTION [MM/DD/YYYY]" with the day proposed; answered from the script of days
@@ -43,6 +45,7 @@ public:
     QList<int> choices;
     QList<QDate> days;
     bool answerYes = false; // every question nobody scripted answered Yes, as a worker at random work
+    std::function<bool()> booksLocked; // whether an action holds the books' lock now
 };
 
 // The message of the UnhandledError that ACTION throws, or "(no error)".
