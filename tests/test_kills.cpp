@@ -163,36 +163,73 @@ QStringList faultsOf(const QString &books, const QString &checked)
     return faults;
 }
 
-// COUNTERS programs at once on one shop's books, ACTIONS each.
+// COUNTERS programs at once on one shop's books, ACTIONS each. As many times as there are
+// counters, one is killed at a random moment (in the middle of an action or between two) and a
+// new program takes its place with the actions it had left: what a kill cuts off is kept by none.
 int runCounters(int counters, int actions, QRandomGenerator &random, const QString &self)
 {
     QTemporaryDir shop;
     const QString books = makeShop(shop.path(), QStringLiteral("counters_%1_%2").arg(QCoreApplication::applicationPid()).arg(counters));
-    std::vector<std::unique_ptr<QProcess>> workers;
-    QElapsedTimer took;
-    took.start();
-    for (int i = 0; i < counters; ++i) {
-        workers.push_back(std::make_unique<QProcess>());
-        workers.back()->start(self, {QStringLiteral("--counter"), shop.path(), books, QString::number(random.generate()), QString::number(actions)});
-    }
-    int done = 0, taken = 0, changed = 0, errors = 0;
-    for (auto &worker : workers) {
-        worker->waitForFinished(-1);
-        for (const QString &line : QString::fromUtf8(worker->readAllStandardOutput()).split(QLatin1Char('\n'), Qt::SkipEmptyParts)) {
-            done += line == QLatin1String("done");
+    struct Counter {
+        std::unique_ptr<QProcess> program;
+        int done = 0;
+        QByteArray unread;
+    };
+    std::vector<Counter> at(static_cast<size_t>(counters));
+    int taken = 0, changed = 0, errors = 0, kills = 0;
+    const auto start = [&](Counter &c) {
+        c.program = std::make_unique<QProcess>();
+        c.program->start(self, {QStringLiteral("--counter"), shop.path(), books, QString::number(random.generate()), QString::number(actions - c.done)});
+    };
+    const auto read = [&](Counter &c) {
+        c.unread += c.program->readAllStandardOutput();
+        for (qsizetype end = c.unread.indexOf('\n'); end >= 0; end = c.unread.indexOf('\n')) {
+            const QString line = QString::fromUtf8(c.unread.left(end));
+            c.unread.remove(0, end + 1);
+            c.done += line == QLatin1String("done");
             taken += line.startsWith(QLatin1String("taken ")) ? line.mid(6).toInt() : 0;
             changed += line.startsWith(QLatin1String("changed ")) ? line.mid(8).toInt() : 0;
             if (line.startsWith(QLatin1String("error")))
                 std::printf("a counter met an error: %s\n", qPrintable(line)), ++errors;
         }
-        if (worker->exitCode() != 0 && errors == 0)
-            std::printf("a counter ended so: %s\n", worker->readAllStandardError().constData()), ++errors;
+    };
+    QElapsedTimer took;
+    took.start();
+    for (Counter &c : at)
+        start(c);
+    qint64 nextKill = random.bounded(100, 600);
+    for (bool running = true; running;) {
+        running = false;
+        for (Counter &c : at) {
+            if (c.program->state() == QProcess::NotRunning)
+                continue;
+            running = true;
+            c.program->waitForReadyRead(20);
+            read(c);
+        }
+        Counter &victim = at[random.bounded(counters)];
+        if (kills < counters && took.elapsed() > nextKill && victim.program->state() == QProcess::Running && victim.done < actions - 1) {
+            victim.program->kill();
+            victim.program->waitForFinished(-1);
+            read(victim);
+            start(victim);
+            ++kills;
+            nextKill = took.elapsed() + random.bounded(100, 600);
+        }
+    }
+    int done = 0;
+    for (Counter &c : at) {
+        read(c);
+        done += c.done;
+        if (c.program->exitCode() != 0 && errors == 0)
+            std::printf("a counter ended so: %s\n", c.program->readAllStandardError().constData()), ++errors;
     }
     const QStringList faults = faultsOf(books, test::testServer().isEmpty() ? shopFile(shop.path()) : books);
     for (const QString &fault : faults)
         std::printf("fault: %s\n", qPrintable(fault));
-    std::printf("%d counters on the %s: %d actions in %.1f s, %d numbers taken over by another counter, %d conflicts told, %d faults\n",
-                counters, test::testServer().isEmpty() ? "file" : "server", done, double(took.elapsed()) / 1000, taken, changed,
+    std::printf("%d counters on the %s: %d actions in %.1f s, %d counters killed and replaced, %d numbers taken over by another counter, "
+                "%d conflicts told, %d faults\n",
+                counters, test::testServer().isEmpty() ? "file" : "server", done, double(took.elapsed()) / 1000, kills, taken, changed,
                 int(faults.size()) + errors);
     return faults.isEmpty() && errors == 0 && done == counters * actions ? 0 : 1;
 }

@@ -51,7 +51,7 @@ void setWidthInCharacters(QLineEdit *field, int chars)
 }
 
 InvoiceScreen::InvoiceScreen(Services &services, const Wording &wording, QWidget *parent)
-    : Screen(services, wording.caption, parent), m_documentName(wording.documentName), m_numberTaken(wording.numberTaken)
+    : Screen(services, wording.caption, parent), m_documentName(wording.documentName), m_numberTaken(wording.numberTaken), m_changedElsewhere(wording.changedElsewhere)
 {
     buildFields(wording);
     buildButtonsAndLists(wording);
@@ -222,6 +222,19 @@ QStringList InvoiceScreen::linesShown(bool shown)
         rows << cells.join(QLatin1Char('\t'));
     }
     return rows;
+}
+
+bool InvoiceScreen::cancelUnlessChanged(const QString &lines, const QStringList &shown, const std::function<void()> &cancel)
+{
+    bool changed = false;
+    act([&] {
+        changed = linesNow(lines) != shown;
+        if (changed)
+            dialogs().inform(m_changedElsewhere.arg(m_number->text()));
+        else
+            cancel();
+    });
+    return !changed;
 }
 
 QStringList InvoiceScreen::linesNow(const QString &sql)

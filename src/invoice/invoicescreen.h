@@ -30,6 +30,7 @@ public:
         QString partyGridName;   // "party list"
         QString documentName;    // "Sales invoice", as the status line names a printed one
         QString numberTaken;     // "Invoice %1 was taken at another counter; this invoice is %2."
+        QString changedElsewhere; // "Invoice %1 was changed at another counter since it was shown; ..."
     };
 
     InvoiceScreen(Services &services, const Wording &wording, QWidget *parent = nullptr);
@@ -53,12 +54,12 @@ protected:
     // when another counter has taken it meanwhile, the document gets the next free one and the
     // operator is told. A number the operator typed or opened is the operator's.
     void takeProposedNumber();
-    // The document's lines as the lines grid shows them (none when SHOWN is false: the query
-    // found none and the grid kept what it had), and as SQL reads them now, each row's texts:
-    // when the two differ in the action on the document, another counter changed it since it
-    // was shown (the action then leaves it, and says so).
+    // The document's lines as the lines grid shows them, each row's texts (none when SHOWN is
+    // false: the query found none and the grid kept what it had).
     QStringList linesShown(bool shown);
-    QStringList linesNow(const QString &sql);
+    // The cancel's action: CANCEL runs unless the document's lines (read by LINES) are no longer
+    // the SHOWN ones, which the operator is then told. Returns whether it ran.
+    bool cancelUnlessChanged(const QString &lines, const QStringList &shown, const std::function<void()> &cancel);
     void partyKeyPressed(int key);
     void partyKeyReleased(int key);
     void partyClicked();
@@ -107,6 +108,9 @@ private:
     QHBoxLayout *m_totalsRow;
     QString m_documentName;
     QString m_numberTaken;
+    QString m_changedElsewhere;
+    // The rows SQL reads now, as linesShown() gives them.
+    QStringList linesNow(const QString &sql);
     ProposedNumber m_proposedNumber;
 };
 

@@ -28,7 +28,8 @@ bool typesInGrid(int key)
 
 PurchaseScreen::PurchaseScreen(Services &services, QWidget *parent)
     : InvoiceScreen(services, {"Purchase", "Purchse Order No :", "Item code", "product stock grid", "party grid", "Purchase order",
-                                   "Voucher %1 was taken at another counter; this voucher is %2."}, parent)
+                                   "Voucher %1 was taken at another counter; this voucher is %2.",
+                                   "Voucher %1 was changed at another counter since it was shown; it was not cancelled."}, parent)
 {
     on(m_modeEvents, &FieldEvents::keyReleased, &PurchaseScreen::modeKeyReleased);
     on(new FieldEvents(m_number), &FieldEvents::keyPressed, &PurchaseScreen::voucherNumberKeyPressed);
@@ -203,15 +204,7 @@ void PurchaseScreen::cancelClicked()
         m_total->setText(header.text("netamt"));
     if (!dialogs().ask(QStringLiteral("Are You Sure You Want To Cancel Invoice")))
         return;
-    bool changed = false;
-    act([&] {
-        changed = linesNow(lines) != shown;
-        if (changed)
-            dialogs().inform("Voucher " + m_number->text() + " was changed at another counter since it was shown; it was not cancelled.");
-        else
-            cancelVoucher();
-    });
-    if (changed) {
+    if (!cancelUnlessChanged(lines, shown, [this] { cancelVoucher(); })) {
         m_lines->refresh();
         return;
     }

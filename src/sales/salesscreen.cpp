@@ -19,7 +19,8 @@ namespace vantrel {
 
 SalesScreen::SalesScreen(Services &services, QWidget *parent)
     : InvoiceScreen(services, {"Sales", "Invoice No :", "item code", "product/stock grid", "party list", "Sales invoice",
-                                "Invoice %1 was taken at another counter; this invoice is %2."}, parent)
+                                "Invoice %1 was taken at another counter; this invoice is %2.",
+                                "Invoice %1 was changed at another counter since it was shown; it was not cancelled."}, parent)
 {
     // The discount beside the total: percent, then the amount, which has no label of its own.
     m_discountPercent = makeField(QStringLiteral("discount percent"));
@@ -244,16 +245,9 @@ void SalesScreen::cancelClicked()
         return;
 
     m_products->refresh();
-    bool changed = false;
-    act([&] {
-        changed = linesNow(lines) != shown;
-        if (changed)
-            dialogs().inform("Invoice " + m_number->text() + " was changed at another counter since it was shown; it was not cancelled.");
-        else
-            cancelInvoice();
-    });
+    const bool cancelled = cancelUnlessChanged(lines, shown, [this] { cancelInvoice(); });
     m_lines->refresh();
-    if (changed)
+    if (!cancelled)
         return;
     for (QLineEdit *field : {m_number, m_itemCode, m_amount, m_total})
         field->clear();
