@@ -135,18 +135,6 @@ Figures runCounters(const QString &books, int counters, int lines)
     return figures;
 }
 
-void onServer(const QString &server, const QString &sql)
-{
-    QSqlDatabase admin = QSqlDatabase::database(QStringLiteral("bench-server"), false);
-    if (!admin.isValid()) {
-        admin = QSqlDatabase::addDatabase(QStringLiteral("QPSQL"), QStringLiteral("bench-server"));
-        admin.setConnectOptions(serverConnectOptions(server));
-    }
-    QSqlQuery query(admin);
-    if (!admin.open() || !query.exec(sql))
-        throw UnhandledError(QStringLiteral("the server refused %1: %2").arg(sql, query.lastError().text() + admin.lastError().text()));
-}
-
 } // namespace
 
 int main(int argc, char **argv)

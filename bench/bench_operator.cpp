@@ -498,21 +498,6 @@ void copyFile(const QString &from, const QString &to)
     QFile::setPermissions(to, QFile::ReadOwner | QFile::WriteOwner);
 }
 
-// Runs a statement on the server's own database, outside any shop's books.
-void onServer(const QString &server, const QString &sql)
-{
-    {
-        QSqlDatabase admin = QSqlDatabase::database(QStringLiteral("bench-server"), false);
-        if (!admin.isValid()) {
-            admin = QSqlDatabase::addDatabase(QStringLiteral("QPSQL"), QStringLiteral("bench-server"));
-            admin.setConnectOptions(serverConnectOptions(server));
-        }
-        QSqlQuery query(admin);
-        if (!admin.open() || !query.exec(sql))
-            throw UnhandledError(QStringLiteral("the server refused %1: %2").arg(sql, query.lastError().text() + admin.lastError().text()));
-    }
-}
-
 QString serverDatabase(const QString &server, const QString &name)
 {
     return QString(server).replace(QStringLiteral("/postgres?"), QLatin1Char('/') + name + QLatin1Char('?'));

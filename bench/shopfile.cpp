@@ -6,7 +6,13 @@
 #include "data/schema.h"
 #include "data/shortdate.h"
 
+#include "data/serverconnection.h"
+#include "data/unhandlederror.h"
+
 #include <QFile>
+#include <QSqlDatabase>
+#include <QSqlError>
+#include <QSqlQuery>
 #include <QVector>
 #include <cmath>
 #include <sqlite3.h>
@@ -283,6 +289,18 @@ void makeShopFile(const QString &path, const ShopSize &size)
                          single(std::fabs(credits - debits))});
     }
     w.finish();
+}
+
+void onServer(const QString &server, const QString &sql)
+{
+    QSqlDatabase admin = QSqlDatabase::database(QStringLiteral("bench-server"), false);
+    if (!admin.isValid()) {
+        admin = QSqlDatabase::addDatabase(QStringLiteral("QPSQL"), QStringLiteral("bench-server"));
+        admin.setConnectOptions(serverConnectOptions(server));
+    }
+    QSqlQuery query(admin);
+    if (!admin.open() || !query.exec(sql))
+        throw UnhandledError(QStringLiteral("the server refused %1: %2").arg(sql, query.lastError().text() + admin.lastError().text()));
 }
 
 } // namespace vantrel::bench

@@ -37,4 +37,8 @@ QString partyName(int n);
 // failed statement; an existing file is refused.
 void makeShopFile(const QString &path, const ShopSize &size);
 
+// Runs a statement on the server's own database (SERVER is its connection to "postgres"),
+// outside any shop's books. Throws UnhandledError when the server refuses it.
+void onServer(const QString &server, const QString &sql);
+
 } // namespace vantrel::bench
