@@ -247,6 +247,7 @@ class Program:
             field LABEL=TEXT    list NAME (shown)   nolist NAME
             enabled CAPTION / disabled CAPTION      box TEXT=KEY...      nobox
             sql QUERY => a,b | c,d                  printed TEXT (in the printer file)
+            another SQL         a write of another counter's, on the same books
             status TEXT / nostatus TEXT (on the status line)"""
         self.scope = getattr(self, "scope", self.sales)
         for step in (s.strip() for line in steps.strip().split("\n") for s in line.split("; ")):
@@ -296,6 +297,8 @@ class Program:
                 query, _, rows = arg.partition(" => ")
                 expected = [tuple(row.strip().split(",")) for row in rows.split(" | ")] if rows.strip() else []
                 equal(self.rows(query), expected, query)
+            elif verb == "another":
+                self.write(arg)
             elif verb in ("status", "nostatus"):
                 wait_for("%s on the status line (%r)" % (arg, self.status_line()), lambda: (arg in self.status_line()) == (verb == "status"))
             elif verb == "printed":
@@ -320,6 +323,13 @@ class Program:
         raise Failure("%s never reached %r" % (key, name))
 
     # --- the books ----------------------------------------------------------------------------
+
+    def write(self, sql):
+        if SERVER:
+            psql(self.books, sql)
+            return
+        with sqlite3.connect(self.db_path, timeout=10) as db:
+            db.execute(sql)
 
     def rows(self, sql):
         if SERVER:
