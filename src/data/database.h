@@ -81,9 +81,10 @@ private:
 
 // The one connection to the shop's books, through which every statement runs: the database file,
 // or the books on a PostgreSQL server (see serverschema.h for how the server keeps them).
-// Statements are single and stand alone: there is no transaction around an operator action, and
-// every write is on disk when execute() returns. Every failure throws UnhandledError carrying
-// the database's own message; the statement text is sent as it was assembled, unescaped.
+// Statements are single. Outside an action (beginAction()) each stands alone and its write is on
+// disk when execute() returns; an action's writes are on disk together when endAction() returns.
+// Every failure throws UnhandledError carrying the database's own message; the statement text is
+// sent as it was assembled, unescaped.
 class Database {
 public:
     enum class Access { ReadWrite, ReadOnly };
