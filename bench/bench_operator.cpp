@@ -148,14 +148,6 @@ struct Row {
     QVector<double> times, bares;
 };
 
-double percentile(QVector<double> v, double p)
-{
-    if (v.isEmpty())
-        return 0;
-    std::sort(v.begin(), v.end());
-    return v[std::min<int>(int(v.size()) - 1, int(p * double(v.size() - 1) + 0.5))];
-}
-
 class Session {
 public:
     Session(const QString &directory, Database &db, std::unique_ptr<Bare> bare, int samples)

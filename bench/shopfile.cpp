@@ -14,6 +14,7 @@
 #include <QSqlError>
 #include <QSqlQuery>
 #include <QVector>
+#include <algorithm>
 #include <cmath>
 #include <sqlite3.h>
 
@@ -289,6 +290,14 @@ void makeShopFile(const QString &path, const ShopSize &size)
                          single(std::fabs(credits - debits))});
     }
     w.finish();
+}
+
+double percentile(QVector<double> times, double p)
+{
+    if (times.isEmpty())
+        return 0;
+    std::sort(times.begin(), times.end());
+    return times[std::min<int>(int(times.size()) - 1, int(p * double(times.size() - 1) + 0.5))];
 }
 
 void onServer(const QString &server, const QString &sql)

@@ -2,6 +2,7 @@
 
 #include <QDate>
 #include <QString>
+#include <QVector>
 
 namespace vantrel::bench {
 
@@ -36,6 +37,9 @@ QString partyName(int n);
 // Dates are written in the short date form of the current locale. Throws UnhandledError on a
 // failed statement; an existing file is refused.
 void makeShopFile(const QString &path, const ShopSize &size);
+
+// The value below which the share P of TIMES lies (0.5: the median); 0 for none.
+double percentile(QVector<double> times, double p);
 
 // Runs a statement on the server's own database (SERVER is its connection to "postgres"),
 // outside any shop's books. Throws UnhandledError when the server refuses it.
