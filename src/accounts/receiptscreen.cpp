@@ -166,9 +166,7 @@ void ReceiptScreen::saveClicked()
 
 void ReceiptScreen::saveReceipt()
 {
-    if (const QString taken = m_proposedNumber.take(db(), m_number, QStringLiteral("Receipt %1 was taken at another counter; this receipt is %2."));
-        !taken.isEmpty())
-        dialogs().inform(taken);
+    m_proposedNumber.take(db(), dialogs(), m_number, QStringLiteral("Receipt %1 was taken at another counter; this receipt is %2."));
     const QString today = ShortDate().text(services().clock.today());
     db().execute("insert into ledger(refno,dat,ac,credit,accnm,type)values('" + m_number->text() + "','" + today + "','" + m_account->text()
                  + "','" + m_amount->text() + "','" + m_accountName->text() + "','Receipt')");

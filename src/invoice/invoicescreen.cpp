@@ -208,8 +208,7 @@ void InvoiceScreen::startDocument(const QString &numberingQuery, const QString &
 
 void InvoiceScreen::takeProposedNumber()
 {
-    if (const QString taken = m_proposedNumber.take(db(), m_number, m_numberTaken); !taken.isEmpty())
-        dialogs().inform(taken);
+    m_proposedNumber.take(db(), dialogs(), m_number, m_numberTaken);
 }
 
 QStringList InvoiceScreen::linesShown(bool shown)

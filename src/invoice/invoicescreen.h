@@ -104,13 +104,13 @@ private:
     void buildFields(const Wording &wording);
     void buildButtonsAndLists(const Wording &wording);
     void connectShared();
+    // The rows SQL reads now, as linesShown() gives them.
+    QStringList linesNow(const QString &sql);
 
     QHBoxLayout *m_totalsRow;
     QString m_documentName;
     QString m_numberTaken;
     QString m_changedElsewhere;
-    // The rows SQL reads now, as linesShown() gives them.
-    QStringList linesNow(const QString &sql);
     ProposedNumber m_proposedNumber;
 };
 

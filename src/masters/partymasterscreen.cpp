@@ -125,9 +125,7 @@ void PartyMasterScreen::partyChosen()
 void PartyMasterScreen::saveClicked()
 {
     act([this] {
-        if (const QString taken = m_proposedId.take(db(), m_id, QStringLiteral("Party %1 was taken at another counter; this party is %2."));
-            !taken.isEmpty())
-            dialogs().inform(taken);
+        m_proposedId.take(db(), dialogs(), m_id, QStringLiteral("Party %1 was taken at another counter; this party is %2."));
         db().execute("insert into suppliermaster(ID,suppname,shortname,address,city,phone,mobile,pin,cbso,acctype) values('" + m_id->text()
                      + "','" + m_name->text() + "','" + m_shortName->text() + "','" + m_address->text() + "','" + m_city->text() + "','"
                      + m_phone->text() + "','" + m_mobile->text() + "','" + m_pin->text() + "','" + m_category->text() + "','"

@@ -186,9 +186,7 @@ bool ProductMasterScreen::saveProduct()
         dialogs().inform(QStringLiteral("Item Code already exist and assign to other product please choose another"));
         return false;
     }
-    if (const QString taken = m_proposedSerial.take(db(), m_serial, QStringLiteral("Product %1 was taken at another counter; this product is %2."));
-        !taken.isEmpty())
-        dialogs().inform(taken);
+    m_proposedSerial.take(db(), dialogs(), m_serial, QStringLiteral("Product %1 was taken at another counter; this product is %2."));
     db().execute("Insert into productmaster(cmpid,mfgname,psrno,prodname,shortname,model,mrp,wr,rate,boxno) values('" + m_companyCode->text()
                  + "','" + m_mfgName->text() + "','" + m_serial->text() + "','" + m_productName->text() + "','" + m_productShortName->text()
                  + "','" + m_itemCode->text() + "','" + m_mrp->text() + "','" + m_wholesaleRate->text() + "','" + m_salesRate->text() + "','"

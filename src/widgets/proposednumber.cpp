@@ -3,6 +3,7 @@
 #include "data/database.h"
 #include "data/records.h"
 #include "data/unhandlederror.h"
+#include "dialogs.h"
 
 #include <QLineEdit>
 #include <QRegularExpression>
@@ -35,15 +36,15 @@ void ProposedNumber::propose(Database &db, QLineEdit *field, const QString &maxQ
     m_proposed = field->text();
 }
 
-QString ProposedNumber::take(Database &db, QLineEdit *field, const QString &taken)
+void ProposedNumber::take(Database &db, Dialogs &dialogs, QLineEdit *field, const QString &taken)
 {
     const QString proposed = std::exchange(m_proposed, QString());
     if (proposed.isEmpty() || field->text() != proposed)
-        return {};
+        return;
     if (db.query(takenQuery(m_maxQuery, proposed)).eof())
-        return {};
+        return;
     field->setText(doubleText(nextNumber(db, m_maxQuery, m_column)));
-    return taken.arg(proposed, field->text());
+    dialogs.inform(taken.arg(proposed, field->text()));
 }
 
 } // namespace vantrel

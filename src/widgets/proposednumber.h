@@ -7,6 +7,7 @@ class QLineEdit;
 namespace vantrel {
 
 class Database;
+class Dialogs;
 
 // The number of a new document, receipt or master row as its field first shows it: the
 // highest of its series plus one, a proposal. Its first save takes it, inside that save's
@@ -18,11 +19,10 @@ public:
     // CONDITION") reads as COLUMN (a null maximum counts as 0; no row at all gives 1). Throws
     // UnhandledError.
     void propose(Database &db, QLineEdit *field, const QString &maxQuery, const QString &column);
-    // At the first save after propose(), in its action: the number the proposal became when it
-    // was taken meanwhile, as TAKEN ("Invoice %1 was taken at another counter; this invoice is
-    // %2.") filled with the two numbers; empty when the field's number stands. Throws
-    // UnhandledError.
-    QString take(Database &db, QLineEdit *field, const QString &taken);
+    // At the first save after propose(), in its action: when the proposal was taken meanwhile,
+    // FIELD gets the next number and DIALOGS tell TAKEN ("Invoice %1 was taken at another
+    // counter; this invoice is %2.") filled with the two numbers. Throws UnhandledError.
+    void take(Database &db, Dialogs &dialogs, QLineEdit *field, const QString &taken);
 
 private:
     QString m_maxQuery, m_column;
