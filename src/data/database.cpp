@@ -231,6 +231,7 @@ void Database::beginAction()
 {
     if (m_actionDepth++ > 0)
         return;
+    m_onLost.clear();
     QSqlQuery lock(QSqlDatabase::database(m_connectionName, false));
     const bool locked = m_server ? lock.exec(QStringLiteral("begin")) && lock.exec(QLatin1String(BooksLock))
                                  : lock.exec(QStringLiteral("begin immediate"));
@@ -247,10 +248,14 @@ void Database::endAction()
     if (m_actionDepth == 0 || --m_actionDepth > 0)
         return;
     QSqlQuery end(QSqlDatabase::database(m_connectionName, false));
-    if (!end.exec(QStringLiteral("commit"))) {
+    const bool kept = end.exec(QStringLiteral("commit"));
+    if (!kept)
         QSqlQuery(QSqlDatabase::database(m_connectionName, false)).exec(QStringLiteral("rollback"));
+    for (const auto &undo : std::exchange(m_onLost, {}))
+        if (!kept)
+            undo();
+    if (!kept)
         fail(end);
-    }
 }
 
 void Database::markStep(const QString &connection)

@@ -129,6 +129,15 @@ public:
     void beginAction();
     void endAction();
     bool inAction() const { return m_actionDepth > 0; }
+    // UNDO runs once if the action now under way ends with none of its writes kept (its end
+    // failed: a lost server, a full disk); it is dropped when the action's writes are kept. What
+    // a screen noted as done in the action (a number taken) is then undone. Outside an action,
+    // nothing is kept.
+    void onActionLost(std::function<void()> undo)
+    {
+        if (inAction())
+            m_onLost.push_back(std::move(undo));
+    }
 
     // Hears every statement as it goes to the engine (the benchmark times them bare); none
     // by default.
@@ -174,6 +183,7 @@ private:
     std::function<void(const QString &)> m_observer;
     int m_connections = 0; // how often the server's connections were opened afresh
     int m_actionDepth = 0;
+    std::vector<std::function<void()>> m_onLost; // of the action under way
 };
 
 } // namespace vantrel
