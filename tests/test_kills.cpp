@@ -5,10 +5,11 @@
 // cut one leaves is the check's business). The next worker carries on, as after a crash.
 // Several counters at once on the same books (the file, or the tests' server when
 // VANTREL_TEST_SERVER names one), each a program keying its own random actions: no number given
-// twice, every stock figure and ledger balance what the rows say it is, the check clean.
-//   test_kills --kills N | --closes N | --counters N,N... ACTIONS [--seed S]   (the soak runs more; ACTIONS
-//     are shared among each run's counters)
-//   test_kills --worker DIR SEED | --close DIR | --counter DIR BOOKS SEED ACTIONS        (started by the tests)
+// twice, every stock figure and ledger balance what the rows say it is, nothing a counter saw
+// saved lost, the check clean; with --restart PGSERVER the server is restarted once in each run.
+//   test_kills --kills N | --closes N | --counters N,N... ACTIONS [--restart PGSERVER] [--seed S]
+//     (the soak runs more; ACTIONS are shared among each run's counters)
+//   test_kills --worker DIR SEED | --close DIR | --counter BOOKS NAME SEED ACTIONS   (started by the tests)
 #include "support/steps.h"
 #include "care/yearclose.h"
 #include "data/records.h"
@@ -18,6 +19,7 @@
 #include <QElapsedTimer>
 #include <QProcess>
 #include <QRandomGenerator>
+#include <QSettings>
 #include <QThread>
 #include <cmath>
 #include <cstdio>
@@ -102,12 +104,19 @@ void say(const QString &line)
     }
 }
 
-// A counter: ACTIONS random actions of whole numbers on the books, each "done" when it has
-// returned; then how many numbers it found taken by another counter, and how many documents
-// changed by one between their showing and its action on them.
-[[noreturn]] void keyAsCounter(const QString &directory, const QString &books, quint32 seed, int actions)
+// A counter named NAME, a program of its own: ACTIONS random actions of whole numbers on the
+// books, each "done N" when it has returned, N the changes the edit log holds of this counter's;
+// then how many numbers it found taken by another counter, how many documents changed by one
+// between their showing and its action on them, and how often it was told the server stopped.
+[[noreturn]] void keyAsCounter(const QString &books, const QString &name, quint32 seed, int actions)
 {
-    test::StepDesk desk(directory, books);
+    QTemporaryDir program;
+    QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, program.path());
+    QSettings().setValue(QStringLiteral("books/counter"), name);
+    test::StepDesk desk(program.path(), books);
+    desk.shop.readThroughRestarts = true;
+    desk.stopsWhenServerStops = true;
+    desk.shop.dialogs.thinking = 100;
     desk.shop.dialogs.answerYes = true;
     desk.shop.services().unhandledError = [](const QString &message) { say("error " + message), std::_Exit(3); };
     QRandomGenerator random(seed);
@@ -116,10 +125,12 @@ void say(const QString &line)
         codes << QString::number(7001 + i);
     for (int i = 0; i < actions; ++i) {
         desk.run(desk.randomAction(random, Parties, codes, {"1", "2", "3"}));
-        say(QStringLiteral("done"));
+        say("done " + desk.shop.rows(QStringLiteral("select count(*) from editlog where source='%1'").arg(name)).value(0).value(0));
     }
-    say(QStringLiteral("taken %1").arg(desk.shop.dialogs.shown.filter(QStringLiteral("was taken at another counter")).size()));
-    say(QStringLiteral("changed %1").arg(desk.shop.dialogs.shown.filter(QStringLiteral("was changed at another counter")).size()));
+    const QStringList &shown = desk.shop.dialogs.shown;
+    say(QStringLiteral("taken %1").arg(shown.filter(QStringLiteral("was taken at another counter")).size()));
+    say(QStringLiteral("changed %1").arg(shown.filter(QStringLiteral("was changed at another counter")).size()));
+    say(QStringLiteral("stopped %1").arg(shown.filter(QStringLiteral("server stopped answering")).size()));
     std::_Exit(0);
 }
 
@@ -141,9 +152,12 @@ QStringList faultsOf(const QString &books, const QString &checked)
         bought[line.text("prodname")] += val(line.text("qty"));
     for (Recordset line = db.query(QStringLiteral("select prodname, qty from sales")); !line.eof(); line.moveNext())
         sold[line.text("prodname")] += val(line.text("qty"));
-    for (Recordset lot = db.query(QStringLiteral("select prodname, totqty, usedqty, stk from stock")); !lot.eof(); lot.moveNext()) {
+    // A lot of the shop's opening, or one a purchase made (of a line keyed with no product when
+    // the server had stopped answering as its code was looked up).
+    for (Recordset lot = db.query(QStringLiteral("select prodname, party, totqty, usedqty, stk from stock")); !lot.eof(); lot.moveNext()) {
         const QString item = lot.text("prodname");
-        if (lot.number("totqty") != Opening + bought[item] || lot.number("usedqty") != sold[item] || lot.number("stk") != Opening + bought[item] - sold[item])
+        const double opening = lot.text("party") == QLatin1String("OPENING") ? Opening : 0;
+        if (lot.number("totqty") != opening + bought[item] || lot.number("usedqty") != sold[item] || lot.number("stk") != opening + bought[item] - sold[item])
             faults << QStringLiteral("%1: stock %2 of %3 used %4, its lines %5 bought %6 sold").arg(item, lot.text("stk"), lot.text("totqty"), lot.text("usedqty"))
                           .arg(bought[item]).arg(sold[item]);
     }
@@ -165,30 +179,43 @@ QStringList faultsOf(const QString &books, const QString &checked)
 
 // COUNTERS programs at once on one shop's books, ACTIONS each. As many times as there are
 // counters, one is killed at a random moment (in the middle of an action or between two) and a
-// new program takes its place with the actions it had left: what a kill cuts off is kept by none.
-int runCounters(int counters, int actions, QRandomGenerator &random, const QString &self)
+// new program of the same name takes its place with the actions it had left: what a kill cuts
+// off is kept by none. With RESTARTER (tests/support/pgserver) the tests' server is restarted
+// once at a random moment, away from the kills, stopped as STOP says ("fast" as an administrator
+// stops it, "immediate" as in a crash): the counters are told, answer Yes, and go on.
+int runCounters(int counters, int actions, QRandomGenerator &random, const QString &self, const QString &restarter, const QString &stop)
 {
     QTemporaryDir shop;
     const QString books = makeShop(shop.path(), QStringLiteral("counters_%1_%2").arg(QCoreApplication::applicationPid()).arg(counters));
     struct Counter {
         std::unique_ptr<QProcess> program;
+        QString name;
         int done = 0;
+        qint64 saved = 0; // the changes of its own it last saw in the edit log
         QByteArray unread;
     };
     std::vector<Counter> at(static_cast<size_t>(counters));
-    int taken = 0, changed = 0, errors = 0, kills = 0;
+    QStringList lost;
+    int taken = 0, changed = 0, stopped = 0, errors = 0, kills = 0;
     const auto start = [&](Counter &c) {
+        c.name = QStringLiteral("counter %1").arg(&c - at.data() + 1);
         c.program = std::make_unique<QProcess>();
-        c.program->start(self, {QStringLiteral("--counter"), shop.path(), books, QString::number(random.generate()), QString::number(actions - c.done)});
+        c.program->start(self, {QStringLiteral("--counter"), books, c.name, QString::number(random.generate()), QString::number(actions - c.done)});
     };
     const auto read = [&](Counter &c) {
         c.unread += c.program->readAllStandardOutput();
         for (qsizetype end = c.unread.indexOf('\n'); end >= 0; end = c.unread.indexOf('\n')) {
             const QString line = QString::fromUtf8(c.unread.left(end));
             c.unread.remove(0, end + 1);
-            c.done += line == QLatin1String("done");
+            if (line.startsWith(QLatin1String("done "))) {
+                ++c.done;
+                if (line.mid(5).toLongLong() < c.saved)
+                    lost << QStringLiteral("%1 saw %2 changes of its own, then %3").arg(c.name).arg(c.saved).arg(line.mid(5));
+                c.saved = line.mid(5).toLongLong();
+            }
             taken += line.startsWith(QLatin1String("taken ")) ? line.mid(6).toInt() : 0;
             changed += line.startsWith(QLatin1String("changed ")) ? line.mid(8).toInt() : 0;
+            stopped += line.startsWith(QLatin1String("stopped ")) ? line.mid(8).toInt() : 0;
             if (line.startsWith(QLatin1String("error")))
                 std::printf("a counter met an error: %s\n", qPrintable(line)), ++errors;
         }
@@ -197,7 +224,8 @@ int runCounters(int counters, int actions, QRandomGenerator &random, const QStri
     took.start();
     for (Counter &c : at)
         start(c);
-    qint64 nextKill = random.bounded(100, 600);
+    qint64 nextKill = random.bounded(100, 600), lastKill = 0, restartAt = restarter.isEmpty() ? -1 : random.bounded(500, 3000);
+    QProcess restart;
     for (bool running = true; running;) {
         running = false;
         for (Counter &c : at) {
@@ -207,16 +235,25 @@ int runCounters(int counters, int actions, QRandomGenerator &random, const QStri
             c.program->waitForReadyRead(20);
             read(c);
         }
+        // A program starting while the server is down would not get its books.
+        const bool restarting = restart.state() != QProcess::NotRunning;
+        if (restartAt >= 0 && took.elapsed() > restartAt && took.elapsed() > lastKill + 1000) {
+            restart.start(restarter, {qEnvironmentVariable("VANTREL_TEST_SERVER"), QStringLiteral("restart"), stop});
+            restartAt = -1;
+        }
         Counter &victim = at[random.bounded(counters)];
-        if (kills < counters && took.elapsed() > nextKill && victim.program->state() == QProcess::Running && victim.done < actions - 1) {
+        if (kills < counters && !restarting && took.elapsed() > nextKill && victim.program->state() == QProcess::Running && victim.done < actions - 1) {
             victim.program->kill();
             victim.program->waitForFinished(-1);
             read(victim);
             start(victim);
             ++kills;
-            nextKill = took.elapsed() + random.bounded(100, 600);
+            lastKill = took.elapsed();
+            nextKill = lastKill + random.bounded(100, 600);
         }
     }
+    if (!restarter.isEmpty() && (!restart.waitForFinished(-1) || restart.exitCode() != 0 || restartAt >= 0))
+        std::printf("the server did not restart: %s\n", restart.readAllStandardError().constData()), ++errors;
     int done = 0;
     for (Counter &c : at) {
         read(c);
@@ -224,12 +261,17 @@ int runCounters(int counters, int actions, QRandomGenerator &random, const QStri
         if (c.program->exitCode() != 0 && errors == 0)
             std::printf("a counter ended so: %s\n", c.program->readAllStandardError().constData()), ++errors;
     }
-    const QStringList faults = faultsOf(books, test::testServer().isEmpty() ? shopFile(shop.path()) : books);
+    QStringList faults = lost + faultsOf(books, test::testServer().isEmpty() ? shopFile(shop.path()) : books);
+    Database db(books);
+    for (const Counter &c : at)
+        if (const qint64 kept = db.query(QStringLiteral("select count(*) as n from editlog where source='%1'").arg(c.name)).number("n"); kept != c.saved)
+            faults << QStringLiteral("%1 saw %2 changes of its own saved; the books hold %3").arg(c.name).arg(c.saved).arg(kept);
     for (const QString &fault : faults)
         std::printf("fault: %s\n", qPrintable(fault));
-    std::printf("%d counters on the %s: %d actions in %.1f s, %d counters killed and replaced, %d numbers taken over by another counter, "
+    std::printf("%d counters on the %s: %d actions in %.1f s, %d counters killed and replaced, %s%d numbers taken over by another counter, "
                 "%d conflicts told, %d faults\n",
-                counters, test::testServer().isEmpty() ? "file" : "server", done, double(took.elapsed()) / 1000, kills, taken, changed,
+                counters, test::testServer().isEmpty() ? "file" : "server", done, double(took.elapsed()) / 1000, kills,
+                restarter.isEmpty() ? "" : qPrintable(QStringLiteral("the server restarted (%1, %2 questions that it stopped), ").arg(stop).arg(stopped)), taken, changed,
                 int(faults.size()) + errors);
     return faults.isEmpty() && errors == 0 && done == counters * actions ? 0 : 1;
 }
@@ -366,8 +408,12 @@ int main(int argc, char **argv)
         const int count = args.value(2).toInt();
         if (command == QLatin1String("--counters")) {
             int failed = 0;
-            for (const QString &counters : args.value(2).split(QLatin1Char(',')))
-                failed |= runCounters(counters.toInt(), args.value(3).toInt() / counters.toInt(), random, self);
+            const QString restarter = args.contains("--restart") ? args.value(args.indexOf("--restart") + 1) : QString();
+            // The runs' restarts alternate: as an administrator stops the server, as a crash.
+            const QStringList runs = args.value(2).split(QLatin1Char(','));
+            for (int run = 0; run < runs.size(); ++run)
+                failed |= runCounters(runs[run].toInt(), args.value(3).toInt() / runs[run].toInt(), random, self, restarter,
+                                      run % 2 ? QStringLiteral("immediate") : QStringLiteral("fast"));
             return failed;
         }
         return command == QLatin1String("--closes") ? runCloses(count, random, self) : runKills(count, random, self);

@@ -41,12 +41,16 @@ void ProposedNumber::take(Database &db, Dialogs &dialogs, QLineEdit *field, cons
     const QString proposed = std::exchange(m_proposed, QString());
     if (proposed.isEmpty() || field->text() != proposed)
         return;
-    if (!db.query(takenQuery(m_maxQuery, proposed)).eof()) {
-        field->setText(doubleText(nextNumber(db, m_maxQuery, m_column)));
-        dialogs.inform(taken.arg(proposed, field->text()));
-    }
-    // A save that keeps nothing took nothing: the next one takes the number shown.
-    db.onActionLost([this, shown = field->text()] { m_proposed = shown; });
+    // A save that keeps nothing took nothing, whichever of its statements failed: the field shows
+    // the proposal again (whatever the save showed after it), for the next save to take.
+    db.onActionLost([this, field, proposed] {
+        field->setText(proposed);
+        m_proposed = proposed;
+    });
+    if (db.query(takenQuery(m_maxQuery, proposed)).eof())
+        return;
+    field->setText(doubleText(nextNumber(db, m_maxQuery, m_column)));
+    dialogs.inform(taken.arg(proposed, field->text()));
 }
 
 } // namespace vantrel

@@ -21,8 +21,9 @@ public:
     void propose(Database &db, QLineEdit *field, const QString &maxQuery, const QString &column);
     // At the first save after propose(), in its action: when the proposal was taken meanwhile,
     // FIELD gets the next number and DIALOGS tell TAKEN ("Invoice %1 was taken at another
-    // counter; this invoice is %2.") filled with the two numbers. A save whose action keeps
-    // nothing (a lost server) leaves the number shown a proposal. Throws UnhandledError.
+    // counter; this invoice is %2.") filled with the two numbers. When the save's action keeps
+    // nothing (a lost server), FIELD shows the proposal again, still a proposal. Throws
+    // UnhandledError.
     void take(Database &db, Dialogs &dialogs, QLineEdit *field, const QString &taken);
 
 private:

@@ -76,7 +76,7 @@ void StepDesk::run(const QString &steps)
                 lines << raw.trimmed();
     for (int i = 0; i < lines.size(); ++i) {
         const QString &line = lines[i];
-        const qsizetype blank = line.indexOf(QLatin1Char(' '));
+        const qsizetype blank = line.indexOf(QLatin1Char(' ')), told = shop.dialogs.shown.size();
         try {
             step(blank < 0 ? line : line.left(blank), blank < 0 ? QString() : line.mid(blank + 1));
         } catch (const QString &missing) { // a widget the step names is not there
@@ -85,7 +85,7 @@ void StepDesk::run(const QString &steps)
         // An action that ended the program is followed by the step that says so.
         static const QRegularExpression saysEnded(QStringLiteral("^((file|server) )?ended "));
         const bool ended = !shop.unhandledErrors.isEmpty() && !(i + 1 < lines.size() && saysEnded.match(lines[i + 1]).hasMatch());
-        if (ended && mayEnd)
+        if ((ended && mayEnd) || (stopsWhenServerStops && !shop.dialogs.shown.mid(told).filter(QStringLiteral("server stopped answering")).isEmpty()))
             return;
         if (ended && !QTest::currentTestFailed())
             QTest::qFail(qPrintable("the program ended: " + shop.unhandledErrors.join(' ')), __FILE__, __LINE__);
@@ -292,6 +292,7 @@ void StepDesk::step(const QString &verb, const QString &argument)
         // add CODE QTY [RATE]: a line keyed by its item code, added with the button.
         const QStringList word = argument.split(QLatin1Char(' '));
         const QString code = shows(m_screen, "item code") ? "item code" : "Item code";
+        as<QLineEdit>(code)->clear(); // what a line cut off left there is keyed afresh
         step("type", code + '=' + word[0]);
         step("key", code + "=Return");
         if (word.size() > 2)

@@ -54,6 +54,9 @@ struct StepDesk {
     // Whether an action may end the program: the rest of the steps are then not taken, and the
     // case goes on. Otherwise an end must be the next step's "ended".
     bool mayEnd = false;
+    // Whether the rest of the steps are left once the program has said the books' server stopped
+    // answering, as an operator looks at the screen again before keying on.
+    bool stopsWhenServerStops = false;
     // The screen opened last.
     QWidget *screen() const { return m_screen; }
     // An action of the operator's picked at random, as steps: a sale (cash or credit) of two

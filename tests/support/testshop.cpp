@@ -9,6 +9,7 @@
 #include <QSqlError>
 #include <QSqlQuery>
 #include <QTest>
+#include <QThread>
 
 namespace vantrel::test {
 
@@ -27,6 +28,7 @@ bool ScriptedDialogs::ask(const QString &question)
     if (answers.isEmpty()) {
         if (!answerYes)
             QTest::qFail(qPrintable(QStringLiteral("unscripted question: ") + question), __FILE__, __LINE__);
+        QThread::msleep(thinking);
         return answerYes;
     }
     return answers.takeFirst();
@@ -203,15 +205,28 @@ void TestShop::exec(const QString &sql)
 QList<QStringList> TestShop::rows(const QString &sql)
 {
     QList<QStringList> result;
-    failOn(sql, errorOf([&] {
+    const auto read = [&] {
+        result.clear();
         for (Recordset rs = m_db->query(sql); !rs.eof(); rs.moveNext()) {
             QStringList row;
             for (const QString &name : rs.fieldNames())
                 row << rs.text(name);
             result << row;
         }
-    }));
-    return result;
+    };
+    if (!readThroughRestarts) {
+        failOn(sql, errorOf(read));
+        return result;
+    }
+    for (;;) {
+        try {
+            read();
+            return result;
+        } catch (const ServerLost &) {
+            while (!m_db->reconnect().isEmpty())
+                QThread::msleep(100);
+        }
+    }
 }
 
 } // namespace vantrel::test

@@ -45,6 +45,7 @@ public:
     QList<int> choices;
     QList<QDate> days;
     bool answerYes = false; // every question nobody scripted answered Yes, as a worker at random work
+    int thinking = 0;       // the milliseconds a worker takes over such a question
     std::function<bool()> booksLocked; // whether an action holds the books' lock now
 };
 
@@ -93,6 +94,9 @@ public:
     void endServerConnections();
     // Every row of a query, each field as the screens show it.
     QList<QStringList> rows(const QString &sql);
+    // A worker's reads go on through a server restart: a read that finds the server gone is read
+    // again once it answers (the program's own statements meet the loss as the program does).
+    bool readThroughRestarts = false;
 
     ScriptedDialogs dialogs;
     FixedClock clock;
