@@ -34,8 +34,8 @@ struct ServerTable {
 
 // The version of what the server's books hold beyond the file's schema (the server's own
 // functions and indexes), recorded beside the schema's version: 1 for books that record none.
-// 2: the registers' date keys, the file's indexes with a null first.
-constexpr int CurrentServerSchemaVersion = 2;
+// 2: the registers' date keys, the file's indexes with a null first. 3: the ledger's sums.
+constexpr int CurrentServerSchemaVersion = 3;
 
 // The versions books on a server record: the schema's and the server's own.
 struct ServerVersions {
@@ -76,6 +76,8 @@ const char *serverDateFunctionsText();
 // The indexes of the date key, for the usual orders of day, month and year, on the document
 // tables of the books or of the year's schema SCHEMA; each made unless it is there.
 QString serverDateKeysText(const QString &schema = {});
+// The indexes of the overall sums of receipts and of payments, each holding only its own rows.
+const char *serverLedgerSumsText();
 
 // Makes the shop's books in the empty database CONNECTION names, in one transaction: empty, or
 // filled by FILL, which runs its statements on the query it is given inside that transaction
