@@ -401,10 +401,10 @@ void Session::run()
         }
     };
     setSpan(registerScreen, QStringLiteral("From"), QStringLiteral("To"), QDate(2026, 11, 1), QDate(2026, 11, 30));
-    showAndPrint(row(QStringLiteral("date-wise register of a month, shown + printed"), 150), std::max(3, n / 4));
+    showAndPrint(row(QStringLiteral("date-wise register of a month, shown + printed"), 150), std::max(3, n * 2 / 3));
     Row &monthShown = row(QStringLiteral("  of which shown"), 0);
     Row &monthPrinted = row(QStringLiteral("  of which printed"), 0);
-    for (int i = 0; i < std::max(3, n / 4); ++i) {
+    for (int i = 0; i < std::max(3, n * 2 / 3); ++i) {
         measure(monthShown, [&] { button(registerScreen, QStringLiteral("&Show"))->click(); });
         measure(monthPrinted, [&] { button(registerScreen, QStringLiteral("Print"))->click(); });
         idle(50);

@@ -395,9 +395,10 @@ sqlite3_stmt *PendingQuery::statement() const
 
 namespace {
 
-// A grid's first page of rows from the server: a screenful and more, so that walking a list
-// rarely waits for the next; the pages after it grow to the last size.
-const int FirstPageRows = 200, LastPageRows = 6400;
+// A grid's first page of rows from the server: the rows it reads when bound (a screenful and
+// more), each a share of a keystroke's time; the pages after it grow to the last size, so that
+// walking a long list rarely waits for the next.
+const int FirstPageRows = 100, LastPageRows = 6400;
 
 } // namespace
 
@@ -419,7 +420,11 @@ bool PendingQuery::planForFirstRows()
     const ProductSearch search = productSearchOf(m_sql);
     if (search.matches.isEmpty())
         return true;
-    if (!m_query.exec(serverForm(search.matches.mid(1).chopped(1))) || !m_query.next()) // the count without its brackets
+    // Only whether more than that many match counts: the count stops there.
+    const QString enough = QStringLiteral("select count(*) from (select 1 from productmaster where prodname like %1 limit %2) c")
+                               .arg(search.pattern)
+                               .arg(ManyMatchingProducts + 1);
+    if (!m_query.exec(serverForm(enough)) || !m_query.next())
         return false;
     if (m_query.value(0).toInt() <= ManyMatchingProducts)
         return true;
