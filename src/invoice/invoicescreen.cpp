@@ -211,10 +211,10 @@ void InvoiceScreen::takeProposedNumber()
     m_proposedNumber.take(db(), dialogs(), m_number, m_numberTaken);
 }
 
-QStringList InvoiceScreen::linesShown(bool shown)
+QStringList InvoiceScreen::linesShown()
 {
     QStringList rows;
-    for (int row = 1, count = shown ? m_lines->rows() : 0; row < count; ++row) {
+    for (int row = 1, count = m_lines->rows(); row < count; ++row) {
         QStringList cells;
         for (int col = 0; col < m_lines->cols(); ++col)
             cells << m_lines->text(row, col);
@@ -223,11 +223,12 @@ QStringList InvoiceScreen::linesShown(bool shown)
     return rows;
 }
 
-bool InvoiceScreen::cancelUnlessChanged(const QString &lines, const QStringList &shown, const std::function<void()> &cancel)
+bool InvoiceScreen::cancelUnlessChanged(const QStringList &shown, const std::function<void()> &cancel)
 {
     bool changed = false;
+    const QString shownBy = m_lines->statement();
     act([&] {
-        changed = linesNow(lines) != shown;
+        changed = (shownBy.isEmpty() ? QStringList() : linesNow(shownBy)) != shown;
         if (changed)
             dialogs().inform(m_changedElsewhere.arg(m_number->text()));
         else

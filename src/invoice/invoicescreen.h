@@ -54,12 +54,13 @@ protected:
     // when another counter has taken it meanwhile, the document gets the next free one and the
     // operator is told. A number the operator typed or opened is the operator's.
     void takeProposedNumber();
-    // The document's lines as the lines grid shows them, each row's texts (none when SHOWN is
-    // false: the query found none and the grid kept what it had).
-    QStringList linesShown(bool shown);
-    // The cancel's action: CANCEL runs unless the document's lines (read by LINES) are no longer
-    // the SHOWN ones, which the operator is then told. Returns whether it ran.
-    bool cancelUnlessChanged(const QString &lines, const QStringList &shown, const std::function<void()> &cancel);
+    // The rows the lines grid shows, each row's texts: what a cancel gives back.
+    QStringList linesShown();
+    // The cancel's action: CANCEL runs unless the lines grid's rows are no longer what its own
+    // query reads (another counter changed the document they belong to, which need not be the
+    // one cancelled: a document without lines leaves the grid as it was), which the operator is
+    // then told. SHOWN are the rows as the operator confirmed them. Returns whether it ran.
+    bool cancelUnlessChanged(const QStringList &shown, const std::function<void()> &cancel);
     void partyKeyPressed(int key);
     void partyKeyReleased(int key);
     void partyClicked();

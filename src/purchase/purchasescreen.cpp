@@ -198,13 +198,13 @@ void PurchaseScreen::cancelClicked()
     const QString lines = "select cmpid,model as code,prodname as item,qty,rate,amount from purchase where pono='" + m_number->text()
                           + "' And trans='" + mode() + "'";
     m_lines->bind(db(), lines);
-    const QStringList shown = linesShown(true);
+    const QStringList shown = linesShown();
     const Recordset header = db().query("select netamt from purchasemain where pono=" + m_number->text() + " and trans='" + mode() + "'");
     if (!header.eof())
         m_total->setText(header.text("netamt"));
     if (!dialogs().ask(QStringLiteral("Are You Sure You Want To Cancel Invoice")))
         return;
-    if (!cancelUnlessChanged(lines, shown, [this] { cancelVoucher(); })) {
+    if (!cancelUnlessChanged(shown, [this] { cancelVoucher(); })) {
         m_lines->refresh();
         return;
     }

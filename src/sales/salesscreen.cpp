@@ -237,7 +237,8 @@ void SalesScreen::cancelClicked()
 {
     const QString lines = "select cmpid,model as code,prodname as item,qty,rate,amount from sales where invoice='" + m_number->text()
                           + "' And trans='" + mode() + "'";
-    const QStringList shown = linesShown(m_lines->bindIfAny(db(), lines));
+    m_lines->bindIfAny(db(), lines);
+    const QStringList shown = linesShown();
     const Recordset header = db().query("select netamt from salesmain where invoice=" + invoiceNumber() + " and trans='" + mode() + "'");
     if (!header.eof())
         m_total->setText(header.text("netamt"));
@@ -245,7 +246,7 @@ void SalesScreen::cancelClicked()
         return;
 
     m_products->refresh();
-    const bool cancelled = cancelUnlessChanged(lines, shown, [this] { cancelInvoice(); });
+    const bool cancelled = cancelUnlessChanged(shown, [this] { cancelInvoice(); });
     m_lines->refresh();
     if (!cancelled)
         return;

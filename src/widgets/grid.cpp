@@ -68,6 +68,11 @@ Recordset Grid::queryAlongside(const QString &sql)
     return m_model->queryAlongside(sql);
 }
 
+QString Grid::statement() const
+{
+    return m_model->statement();
+}
+
 void Grid::refresh()
 {
     if (m_model->refresh())

@@ -39,6 +39,8 @@ public:
     Recordset queryAlongside(const QString &sql);
     // Runs the query the grid is bound to again; nothing when it is detached.
     void refresh();
+    // The query whose rows the grid shows; empty when it is detached.
+    QString statement() const;
     // Detaches the grid from its data: no columns, no rows.
     void clear();
 

@@ -32,6 +32,8 @@ public:
     bool bind(Database &db, const QString &sql, BindMode mode);
     // Binds the last query again; false when the model was never bound or was cleared.
     bool refresh();
+    // The query whose rows it shows; empty when never bound or cleared.
+    const QString &statement() const { return m_sql; }
     // Shows nothing at all: no columns, no rows.
     void clear();
 
