@@ -163,7 +163,7 @@ private slots:
     // upgrade waits while another program is connected (giving up changes nothing), a counter's
     // role cannot make it (nothing changes), the owner's does once the other has gone, and the
     // registers' span then finds its rows through the date key's index, the overall payments
-    // through theirs.
+    // through theirs, a prefix's names in order through the name's.
     void olderServerBooksAreBroughtUpToDateOnceTheOthersHaveGone()
     {
         if (test::testServer().isEmpty())
@@ -232,6 +232,10 @@ private slots:
         for (Recordset rs = db.query("explain " + serverForm("select sum(debit) as debit from ledger where type='payment'")); !rs.eof(); rs.moveNext())
             plan += rs.text("QUERY PLAN");
         QVERIFY2(plan.contains("using ledger_payments"), qPrintable(plan));
+        plan.clear(); // a prefix's names in the file's order straight from their index
+        for (Recordset rs = db.query("explain " + serverForm("select suppname from suppliermaster where suppname like 'M%'")); !rs.eof(); rs.moveNext())
+            plan += rs.text("QUERY PLAN");
+        QVERIFY2(plan.contains("using suppliermaster_name") && !plan.contains("Sort"), qPrintable(plan));
         db.execute("drop owned by " + role);
         db.execute("drop role " + role);
     }

@@ -22,18 +22,21 @@ QString stepTo(int to, const QStringList &years)
     switch (to) {
     case 2: {
         // The date functions without a subtransaction each, the date key with its indexes in the
-        // books and in every closed year, the file's indexes with a null first; the version gets
-        // its own column.
+        // books and in every closed year; the version gets its own column.
         QString text = QString::fromLatin1(serverDateFunctionsText()) + serverDateKeysText();
-        static const QRegularExpression name(QStringLiteral("^create index (\\w+) "));
-        for (const QString &index : serverFileIndexes())
-            text += QStringLiteral("drop index %1;\n%2\n").arg(name.match(index).captured(1), index);
         for (const QString &year : years)
             text += serverDateKeysText(year);
         return text + QStringLiteral("alter table schemaversion add column server integer;\nanalyze salesmain;\nanalyze purchasemain;\n");
     }
-    case 3: // the books' own ledger; a closed year's never changes
-        return QString::fromLatin1(serverLedgerSumsText()) + QStringLiteral("analyze ledger;\n");
+    case 3: {
+        // The file's indexes as the file holds them, a null first and the rowid last, and the
+        // ledger's sums, in the books (a closed year's are only read, in whole).
+        QString text;
+        static const QRegularExpression name(QStringLiteral("^create index (\\w+) "));
+        for (const QString &index : serverFileIndexes())
+            text += QStringLiteral("drop index %1;\n%2\n").arg(name.match(index).captured(1), index);
+        return text + QString::fromLatin1(serverLedgerSumsText()) + QStringLiteral("analyze;\n");
+    }
     default:
         return {};
     }

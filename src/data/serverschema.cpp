@@ -232,6 +232,7 @@ QStringList serverFileIndexes()
         QStringList columns = m.captured(3).split(QLatin1Char(','));
         for (QString &column : columns)
             column = column.trimmed() + QStringLiteral(" nulls first");
+        columns << QStringLiteral("rowid");
         statements << QStringLiteral("create index %1 on %2(%3);").arg(m.captured(1), m.captured(2), columns.join(QStringLiteral(", ")));
     }
     return statements;

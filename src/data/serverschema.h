@@ -34,7 +34,8 @@ struct ServerTable {
 
 // The version of what the server's books hold beyond the file's schema (the server's own
 // functions and indexes), recorded beside the schema's version: 1 for books that record none.
-// 2: the registers' date keys, the file's indexes with a null first. 3: the ledger's sums.
+// 2: the registers' date keys. 3: the file's indexes with a null first and the rowid last, the
+// ledger's sums.
 constexpr int CurrentServerSchemaVersion = 3;
 
 // The versions books on a server record: the schema's and the server's own.
@@ -67,8 +68,8 @@ QStringList receiptColumns();
 // system's format as vformat, since the server has a format of its own).
 QString serverSchemaText();
 // The file's indexes as the server keeps them, a statement each: every column in the file's
-// order, a null first (so that an index serves the order the file gives, which sorts a null
-// first).
+// order, a null first, and the rowid last, as the file's index holds it (so that an index walk
+// gives the order the file gives, which sorts a null first and equal keys by rowid).
 QStringList serverFileIndexes();
 // The date functions (cdate, vformat, the date key a register's span compares), each made or
 // replaced.
