@@ -147,6 +147,13 @@ QStringList faultsOf(const QString &books, const QString &checked)
         for (Recordset twice = db.query(QStringLiteral("select %2 as n, %3 as s from %1 group by %2, %3 having count(*) > 1").arg(s[0], s[1], s[2]));
              !twice.eof(); twice.moveNext())
             faults << QStringLiteral("%1 %2 %3 given twice").arg(s[0], twice.text("s"), twice.text("n"));
+    // Every document's lines are its party's: a line keyed into a number another counter's
+    // document has taken joins another party's.
+    for (const QStringList &d : QList<QStringList>{{"salesmain", "sales", "invoice"}, {"purchasemain", "purchase", "pono"}})
+        for (Recordset mixed = db.query(QStringLiteral("select l.%3 as n, l.trans as s, l.party as p from %2 l join %1 h on h.%3=l.%3 and h.trans=l.trans "
+                                                       "where h.party<>l.party").arg(d[0], d[1], d[2]));
+             !mixed.eof(); mixed.moveNext())
+            faults << QStringLiteral("%1 %2 %3 holds a line of %4").arg(d[1], mixed.text("s"), mixed.text("n"), mixed.text("p"));
     QHash<QString, double> bought, sold;
     for (Recordset line = db.query(QStringLiteral("select prodname, qty from purchase")); !line.eof(); line.moveNext())
         bought[line.text("prodname")] += val(line.text("qty"));

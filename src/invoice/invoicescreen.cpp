@@ -51,7 +51,9 @@ void setWidthInCharacters(QLineEdit *field, int chars)
 }
 
 InvoiceScreen::InvoiceScreen(Services &services, const Wording &wording, QWidget *parent)
-    : Screen(services, wording.caption, parent), m_documentName(wording.documentName), m_numberTaken(wording.numberTaken), m_changedElsewhere(wording.changedElsewhere)
+    : Screen(services, wording.caption, parent), m_documentName(wording.documentName), m_numberTaken(wording.numberTaken), m_changedElsewhere(wording.changedElsewhere),
+      m_goneElsewhere(wording.goneElsewhere), m_headerTable(wording.headerTable), m_linesTable(wording.linesTable),
+      m_numberColumn(wording.numberColumn)
 {
     buildFields(wording);
     buildButtonsAndLists(wording);
@@ -204,11 +206,34 @@ void InvoiceScreen::startDocument(const QString &numberingQuery, const QString &
     m_writeLines = true;
     m_writeHeader = true;
     m_lines->clear();
+    m_added = {};
 }
 
 void InvoiceScreen::takeProposedNumber()
 {
     m_proposedNumber.take(db(), dialogs(), m_number, m_numberTaken);
+}
+
+QStringList InvoiceScreen::documentRowsNow()
+{
+    const QString number = m_number->text(), series = mode();
+    return linesNow(QStringLiteral("select rowid as r, party, dat from %1 where %2=%3 and trans='%4'").arg(m_headerTable, m_numberColumn, number, series))
+        + linesNow(QStringLiteral("select rowid as r, prodname, party, qty, status from %1 where %2='%3' and trans='%4'")
+                       .arg(m_linesTable, m_numberColumn, number, series));
+}
+
+bool InvoiceScreen::stillTheDocumentAdded()
+{
+    if (m_added.rows.isEmpty() || m_added.number != m_number->text() || m_added.mode != mode() || documentRowsNow() == m_added.rows)
+        return true;
+    dialogs().inform(m_goneElsewhere.arg(m_number->text()));
+    return false;
+}
+
+void InvoiceScreen::rememberDocumentAdded()
+{
+    db().onActionLost([this, before = m_added] { m_added = before; });
+    m_added = {m_number->text(), mode(), documentRowsNow()};
 }
 
 QStringList InvoiceScreen::linesShown()

@@ -31,6 +31,10 @@ public:
         QString documentName;    // "Sales invoice", as the status line names a printed one
         QString numberTaken;     // "Invoice %1 was taken at another counter; this invoice is %2."
         QString changedElsewhere; // "Invoice %1 was changed at another counter since it was shown; ..."
+        QString goneElsewhere;    // "Invoice %1 was changed at another counter since its last line; ..."
+        QString headerTable;      // "salesmain"
+        QString linesTable;       // "sales"
+        QString numberColumn;     // "invoice"
     };
 
     InvoiceScreen(Services &services, const Wording &wording, QWidget *parent = nullptr);
@@ -54,6 +58,14 @@ protected:
     // when another counter has taken it meanwhile, the document gets the next free one and the
     // operator is told. A number the operator typed or opened is the operator's.
     void takeProposedNumber();
+    // In an "&Add"'s action, before it writes: false, the operator told, when the document this
+    // screen's last "&Add" wrote (the number and mode shown) is no longer as that "&Add" left it:
+    // another counter cancelled it (its number perhaps given again), settled it or added to it.
+    bool stillTheDocumentAdded();
+    // In an "&Add"'s action, once its header is written: the document is the one added to.
+    void rememberDocumentAdded();
+    // A document shown afresh (re-opened) is the operator's to add to, as it now stands.
+    void forgetDocumentAdded() { m_added = {}; }
     // The rows the lines grid shows, each row's texts: what a cancel gives back.
     QStringList linesShown();
     // The cancel's action: CANCEL runs unless the lines grid's rows are no longer what its own
@@ -112,7 +124,17 @@ private:
     QString m_documentName;
     QString m_numberTaken;
     QString m_changedElsewhere;
+    QString m_goneElsewhere;
+    QString m_headerTable, m_linesTable, m_numberColumn;
     ProposedNumber m_proposedNumber;
+    // The document the last "&Add" wrote: its number, mode and rows as it left them; none since
+    // a start.
+    struct Added {
+        QString number, mode;
+        QStringList rows;
+    } m_added;
+    // The rows of the document shown, header and lines, as the books hold them now.
+    QStringList documentRowsNow();
 };
 
 // Gives a field a width for about CHARS characters.

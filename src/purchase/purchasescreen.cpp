@@ -29,7 +29,9 @@ bool typesInGrid(int key)
 PurchaseScreen::PurchaseScreen(Services &services, QWidget *parent)
     : InvoiceScreen(services, {"Purchase", "Purchse Order No :", "Item code", "product stock grid", "party grid", "Purchase order",
                                    "Voucher %1 was taken at another counter; this voucher is %2.",
-                                   "Voucher %1 was changed at another counter since it was shown; it was not cancelled."}, parent)
+                                   "Voucher %1 was changed at another counter since it was shown; it was not cancelled.",
+                                   "Voucher %1 was changed at another counter since its last line; this line was not added.", "purchasemain",
+                                   "purchase", "pono"}, parent)
 {
     on(m_modeEvents, &FieldEvents::keyReleased, &PurchaseScreen::modeKeyReleased);
     on(new FieldEvents(m_number), &FieldEvents::keyPressed, &PurchaseScreen::voucherNumberKeyPressed);
@@ -65,6 +67,7 @@ void PurchaseScreen::voucherNumberKeyPressed(int key)
         m_productPanel->hide();
     if (key != Qt::Key_Return && key != Qt::Key_Enter)
         return;
+    forgetDocumentAdded();
     m_lines->bindIfAny(db(), "select prodname,qty,rate,amount from purchase where pono='" + m_number->text() + "' And trans='" + mode() + "'");
     const Recordset header = db().query("select netamt from purchasemain where pono=" + m_number->text() + " and trans='" + mode() + "'");
     m_total->setText(header.eof() ? QString() : header.text("netamt"));
@@ -98,6 +101,7 @@ void PurchaseScreen::openSuppliersVoucher(const QString &columns)
                                       + "' and status='u' group by pono");
     if (!open.eof())
         m_number->setText(open.text("pono"));
+    forgetDocumentAdded();
     m_lines->bindIfAny(db(), "select " + columns + " from purchase where pono='" + m_number->text() + "' And trans='" + mode()
                                  + "' and status='u'");
     const Recordset header = db().query("select netamt from purchasemain where pono=" + m_number->text() + " and trans='" + mode() + "'");
@@ -119,6 +123,8 @@ void PurchaseScreen::addClicked()
 
 void PurchaseScreen::addLine()
 {
+    if (!stillTheDocumentAdded())
+        return;
     if (m_writeLines) {
         takeProposedNumber();
         db().execute("insert into purchase(cmpid,psrno,pono,prodname,party,model,qty,rate,amount,trans,status) values('" + m_cmpid->text()
@@ -136,8 +142,10 @@ void PurchaseScreen::addLine()
         total += val(m_lines->text(row, 3));
     m_total->setText(doubleText(total));
 
-    if (m_writeHeader)
+    if (m_writeHeader) {
         writeHeader();
+        rememberDocumentAdded();
+    }
 }
 
 // One stock row per product name: the first purchase creates it with its own voucher, supplier,

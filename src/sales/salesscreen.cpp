@@ -20,7 +20,9 @@ namespace vantrel {
 SalesScreen::SalesScreen(Services &services, QWidget *parent)
     : InvoiceScreen(services, {"Sales", "Invoice No :", "item code", "product/stock grid", "party list", "Sales invoice",
                                 "Invoice %1 was taken at another counter; this invoice is %2.",
-                                "Invoice %1 was changed at another counter since it was shown; it was not cancelled."}, parent)
+                                "Invoice %1 was changed at another counter since it was shown; it was not cancelled.",
+                                "Invoice %1 was changed at another counter since its last line; this line was not added.", "salesmain",
+                                "sales", "invoice"}, parent)
 {
     // The discount beside the total: percent, then the amount, which has no label of its own.
     m_discountPercent = makeField(QStringLiteral("discount percent"));
@@ -85,6 +87,7 @@ void SalesScreen::partyChosen()
     if (open.eof())
         return;
     m_number->setText(open.text("invoice"));
+    forgetDocumentAdded();
     m_lines->bindIfAny(db(), "select prodname,qty,rate,amount from sales where invoice='" + m_number->text() + "' And trans='"
                                  + mode() + "' and status='u'");
     const Recordset header = db().query("select netamt from salesmain where invoice=" + invoiceNumber() + " and trans='" + mode() + "'");
@@ -99,6 +102,7 @@ void SalesScreen::invoiceNumberKeyPressed(int key)
 {
     if (key != Qt::Key_Return && key != Qt::Key_Enter)
         return;
+    forgetDocumentAdded();
     m_lines->bindIfAny(db(), "select prodname,qty,rate,amount from sales where invoice='" + m_number->text() + "' And trans='" + mode() + "'");
     const Recordset header = db().query("select dis,disamt,netamt,gd from salesmain where invoice=" + invoiceNumber() + " and trans='" + mode() + "'");
     if (header.eof()) {
@@ -132,6 +136,8 @@ void SalesScreen::addClicked()
 
 void SalesScreen::addLine()
 {
+    if (!stillTheDocumentAdded())
+        return;
     if (m_writeLines) {
         takeProposedNumber();
         db().execute("insert into sales(cmpid,psrno,invoice,prodname,party,model,qty,rate,amount,trans,status) values('" + m_cmpid->text()
@@ -149,8 +155,10 @@ void SalesScreen::addLine()
         total = toSingle(double(total) + val(m_lines->text(row, 3)));
     m_total->setText(singleText(total));
 
-    if (m_writeHeader)
+    if (m_writeHeader) {
         writeHeader();
+        rememberDocumentAdded();
+    }
 }
 
 // A credit line is paid out of the ledger; the balance is the shop's overall one.
