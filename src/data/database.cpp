@@ -323,9 +323,9 @@ QSqlQuery Database::forwardQuery(const QString &connection, const QString &sql)
 PendingQuery Database::startQuery(const QString &sql)
 {
     PendingQuery pending;
-    pending.m_db = this;
     pending.m_inAction = inAction();
-    pending.m_connection = pending.m_inAction ? m_connectionName : takeReader();
+    pending.m_connection = pending.m_inAction ? m_connectionName : takeReader(); // none is given back when this throws
+    pending.m_db = this;
     pending.m_sql = sql;
     pending.m_connections = m_connections;
     if (m_server && pending.m_inAction)
@@ -345,6 +345,8 @@ QString Database::takeReader()
     const QString failure = openConnection(name, Reader);
     if (!failure.isEmpty()) {
         QSqlDatabase::removeDatabase(name);
+        if (m_server) // a server that stopped answering while the program works: it waits for it
+            throw ServerLost(failure);
         throw UnhandledError(failure);
     }
     m_readers << name;

@@ -67,8 +67,14 @@ bool shows(QWidget *root, const QString &name)
 
 } // namespace
 
+bool StepDesk::stoppedForServer() const
+{
+    return stopsWhenServerStops && !shop.dialogs.shown.mid(m_runStart).filter(QStringLiteral("server stopped answering")).isEmpty();
+}
+
 void StepDesk::run(const QString &steps)
 {
+    m_runStart = shop.dialogs.shown.size();
     QStringList lines;
     for (const QString &row : steps.split(QLatin1Char('\n')))
         for (const QString &raw : row.split(QStringLiteral("; ")))
@@ -76,7 +82,7 @@ void StepDesk::run(const QString &steps)
                 lines << raw.trimmed();
     for (int i = 0; i < lines.size(); ++i) {
         const QString &line = lines[i];
-        const qsizetype blank = line.indexOf(QLatin1Char(' ')), told = shop.dialogs.shown.size();
+        const qsizetype blank = line.indexOf(QLatin1Char(' '));
         try {
             step(blank < 0 ? line : line.left(blank), blank < 0 ? QString() : line.mid(blank + 1));
         } catch (const QString &missing) { // a widget the step names is not there
@@ -85,7 +91,7 @@ void StepDesk::run(const QString &steps)
         // An action that ended the program is followed by the step that says so.
         static const QRegularExpression saysEnded(QStringLiteral("^((file|server) )?ended "));
         const bool ended = !shop.unhandledErrors.isEmpty() && !(i + 1 < lines.size() && saysEnded.match(lines[i + 1]).hasMatch());
-        if ((ended && mayEnd) || (stopsWhenServerStops && !shop.dialogs.shown.mid(told).filter(QStringLiteral("server stopped answering")).isEmpty()))
+        if ((ended && mayEnd) || stoppedForServer())
             return;
         if (ended && !QTest::currentTestFailed())
             QTest::qFail(qPrintable("the program ended: " + shop.unhandledErrors.join(' ')), __FILE__, __LINE__);
@@ -251,6 +257,8 @@ StepDesk::Snapshot StepDesk::snapshot()
 
 void StepDesk::step(const QString &verb, const QString &argument)
 {
+    if (stoppedForServer())
+        return;
     const QString name = argument.section(QLatin1Char('='), 0, 0);
     const QString value = argument.section(QLatin1Char('='), 1);
     QString failure;

@@ -54,8 +54,9 @@ struct StepDesk {
     // Whether an action may end the program: the rest of the steps are then not taken, and the
     // case goes on. Otherwise an end must be the next step's "ended".
     bool mayEnd = false;
-    // Whether the rest of the steps are left once the program has said the books' server stopped
-    // answering, as an operator looks at the screen again before keying on.
+    // Whether the rest of the steps (and of a step's own, such as "start") are left once the
+    // program has said the books' server stopped answering, as an operator looks at the screen
+    // again before keying on.
     bool stopsWhenServerStops = false;
     // The screen opened last.
     QWidget *screen() const { return m_screen; }
@@ -71,6 +72,10 @@ struct StepDesk {
 
 private:
     void show();
+    // Whether the program has said the books' server stopped answering since this run's start,
+    // and the steps are to stop for it.
+    bool stoppedForServer() const;
+    qsizetype m_runStart = 0; // the boxes shown before this run
     void step(const QString &verb, const QString &argument);
     // The widget of the screen opened last (or of the window): a button by its caption, any
     // other by its accessible name. None ends the case.
