@@ -129,8 +129,10 @@ void say(const QString &line)
         desk.run(desk.randomAction(random, Parties, codes, {"1", "2", "3"}));
         // Told that the server stopped, the operator closes the screens and starts again: what
         // the cut-off action left in them is not keyed on blindly.
-        if (!desk.shop.dialogs.shown.mid(told).filter(QStringLiteral("server stopped answering")).isEmpty())
+        if (!desk.shop.dialogs.shown.mid(told).filter(QStringLiteral("server stopped answering")).isEmpty()) {
             desk.window.mdiArea()->closeAllSubWindows();
+            QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete); // gone before the next opens afresh
+        }
         say("done " + desk.shop.rows(QStringLiteral("select count(*) from editlog where source='%1'").arg(name)).value(0).value(0));
     }
     const QStringList &shown = desk.shop.dialogs.shown;

@@ -20,6 +20,7 @@
 #include <QShortcut>
 #include <QTimer>
 #include <QVBoxLayout>
+#include <algorithm>
 
 namespace vantrel {
 
@@ -230,10 +231,13 @@ bool InvoiceScreen::stillTheDocumentAdded()
     return false;
 }
 
-void InvoiceScreen::rememberDocumentAdded()
+void InvoiceScreen::rememberDocument()
 {
     db().onActionLost([this, before = m_added] { m_added = before; });
-    m_added = {m_number->text(), mode(), documentRowsNow()};
+    // A number that is none (empty, or a text the statements fail on) names no document to keep.
+    const QString number = m_number->text();
+    const bool plain = !number.isEmpty() && std::all_of(number.begin(), number.end(), [](QChar c) { return c.isDigit(); });
+    m_added = plain ? Added{number, mode(), documentRowsNow()} : Added{};
 }
 
 QStringList InvoiceScreen::linesShown()

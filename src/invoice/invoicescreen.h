@@ -58,14 +58,13 @@ protected:
     // when another counter has taken it meanwhile, the document gets the next free one and the
     // operator is told. A number the operator typed or opened is the operator's.
     void takeProposedNumber();
-    // In an "&Add"'s action, before it writes: false, the operator told, when the document this
-    // screen's last "&Add" wrote (the number and mode shown) is no longer as that "&Add" left it:
-    // another counter cancelled it (its number perhaps given again), settled it or added to it.
+    // In an "&Add"'s action, before it writes: false, the operator told, when the document shown
+    // (the number and mode) is no longer as this screen last showed or wrote it: another counter
+    // cancelled it (its number perhaps given again), settled it or added to it.
     bool stillTheDocumentAdded();
-    // In an "&Add"'s action, once its header is written: the document is the one added to.
-    void rememberDocumentAdded();
-    // A document shown afresh (re-opened) is the operator's to add to, as it now stands.
-    void forgetDocumentAdded() { m_added = {}; }
+    // Once a document is shown (re-opened), or in an "&Add"'s action once its header is written:
+    // the document as the books hold it now is the one the next "&Add" adds to.
+    void rememberDocument();
     // The rows the lines grid shows, each row's texts: what a cancel gives back.
     QStringList linesShown();
     // The cancel's action: CANCEL runs unless the lines grid's rows are no longer what its own
@@ -127,7 +126,7 @@ private:
     QString m_goneElsewhere;
     QString m_headerTable, m_linesTable, m_numberColumn;
     ProposedNumber m_proposedNumber;
-    // The document the last "&Add" wrote: its number, mode and rows as it left them; none since
+    // The document shown or last written: its number, mode and rows as they were then; none since
     // a start.
     struct Added {
         QString number, mode;

@@ -67,7 +67,7 @@ void PurchaseScreen::voucherNumberKeyPressed(int key)
         m_productPanel->hide();
     if (key != Qt::Key_Return && key != Qt::Key_Enter)
         return;
-    forgetDocumentAdded();
+    rememberDocument();
     m_lines->bindIfAny(db(), "select prodname,qty,rate,amount from purchase where pono='" + m_number->text() + "' And trans='" + mode() + "'");
     const Recordset header = db().query("select netamt from purchasemain where pono=" + m_number->text() + " and trans='" + mode() + "'");
     m_total->setText(header.eof() ? QString() : header.text("netamt"));
@@ -101,7 +101,7 @@ void PurchaseScreen::openSuppliersVoucher(const QString &columns)
                                       + "' and status='u' group by pono");
     if (!open.eof())
         m_number->setText(open.text("pono"));
-    forgetDocumentAdded();
+    rememberDocument();
     m_lines->bindIfAny(db(), "select " + columns + " from purchase where pono='" + m_number->text() + "' And trans='" + mode()
                                  + "' and status='u'");
     const Recordset header = db().query("select netamt from purchasemain where pono=" + m_number->text() + " and trans='" + mode() + "'");
@@ -144,7 +144,7 @@ void PurchaseScreen::addLine()
 
     if (m_writeHeader) {
         writeHeader();
-        rememberDocumentAdded();
+        rememberDocument();
     }
 }
 

@@ -87,7 +87,7 @@ void SalesScreen::partyChosen()
     if (open.eof())
         return;
     m_number->setText(open.text("invoice"));
-    forgetDocumentAdded();
+    rememberDocument();
     m_lines->bindIfAny(db(), "select prodname,qty,rate,amount from sales where invoice='" + m_number->text() + "' And trans='"
                                  + mode() + "' and status='u'");
     const Recordset header = db().query("select netamt from salesmain where invoice=" + invoiceNumber() + " and trans='" + mode() + "'");
@@ -102,7 +102,7 @@ void SalesScreen::invoiceNumberKeyPressed(int key)
 {
     if (key != Qt::Key_Return && key != Qt::Key_Enter)
         return;
-    forgetDocumentAdded();
+    rememberDocument();
     m_lines->bindIfAny(db(), "select prodname,qty,rate,amount from sales where invoice='" + m_number->text() + "' And trans='" + mode() + "'");
     const Recordset header = db().query("select dis,disamt,netamt,gd from salesmain where invoice=" + invoiceNumber() + " and trans='" + mode() + "'");
     if (header.eof()) {
@@ -157,7 +157,7 @@ void SalesScreen::addLine()
 
     if (m_writeHeader) {
         writeHeader();
-        rememberDocumentAdded();
+        rememberDocument();
     }
 }
 
