@@ -125,11 +125,10 @@ void say(const QString &line)
     for (int i = 0; i < Products - 4; ++i) // products with their opening lot
         codes << QString::number(7001 + i);
     for (int i = 0; i < actions; ++i) {
-        const qsizetype told = desk.shop.dialogs.shown.size();
         desk.run(desk.randomAction(random, Parties, codes, {"1", "2", "3"}));
         // Told that the server stopped, the operator closes the screens and starts again: what
         // the cut-off action left in them is not keyed on blindly.
-        if (!desk.shop.dialogs.shown.mid(told).filter(QStringLiteral("server stopped answering")).isEmpty()) {
+        if (desk.stoppedForServer()) {
             desk.window.mdiArea()->closeAllSubWindows();
             QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete); // gone before the next opens afresh
         }

@@ -58,6 +58,9 @@ struct StepDesk {
     // program has said the books' server stopped answering, as an operator looks at the screen
     // again before keying on.
     bool stopsWhenServerStops = false;
+    // Whether the program has said the books' server stopped answering since the last run()
+    // began, and the steps are to stop for it.
+    bool stoppedForServer() const;
     // The screen opened last.
     QWidget *screen() const { return m_screen; }
     // An action of the operator's picked at random, as steps: a sale (cash or credit) of two
@@ -72,9 +75,6 @@ struct StepDesk {
 
 private:
     void show();
-    // Whether the program has said the books' server stopped answering since this run's start,
-    // and the steps are to stop for it.
-    bool stoppedForServer() const;
     qsizetype m_runStart = 0; // the boxes shown before this run
     void step(const QString &verb, const QString &argument);
     // The widget of the screen opened last (or of the window): a button by its caption, any
