@@ -21,6 +21,7 @@
 #include <QSqlError>
 #include <QSqlQuery>
 #include <QSqlRecord>
+#include <QRandomGenerator>
 #include <QThread>
 #include <cmath>
 #include <limits>
@@ -360,6 +361,25 @@ private slots:
         // A grid's cells are appended without a text of their own, to the same digits.
         for (const double value : {92.55, 1e15, 9.5e15, 1e21, -0.0, 1e-7, 0.0001, -123.456, 3.0, -1e300, 1.0 / 3})
             QCOMPARE(QString::fromUtf8([value] { QByteArray cell("x"); appendDoubleText(cell, value); return cell; }()), "x" + doubleText(value));
+        // The server's figure taken as it comes only when it is that text already: any plain
+        // decimal of up to 15 significant digits reads back to itself.
+        for (const char *text : {"0", "-3", "92.55", "0.5", "0.00001", "123456789012345", "-0.000000000000001", "99999999999999.9"})
+            QVERIFY2(isDoubleText(text) && doubleText(QByteArray(text).toDouble()) == QLatin1String(text), text);
+        for (const char *text : {"-0", "007", ".5", "5.", "5.50", "+5", "1e-05", "1234567890123456", "0.30000000000000004", "", "12 ", "1,5", "-"})
+            QVERIFY2(!isDoubleText(text), text);
+        QRandomGenerator random(20261126);
+        for (int i = 0; i < 20000; ++i) { // up to 15 digits, the point anywhere in or before them
+            const QByteArray digits = QByteArray::number(random.bounded(Q_INT64_C(1), Q_INT64_C(1000000000000000)));
+            const int fraction = int(random.bounded(digits.size() + 6));
+            QByteArray text = fraction == 0                ? digits
+                              : fraction < digits.size() ? digits.left(digits.size() - fraction) + '.' + digits.right(fraction)
+                                                         : "0." + QByteArray(fraction - digits.size(), '0') + digits;
+            while (text.contains('.') && (text.endsWith('0') || text.endsWith('.')))
+                text.chop(1);
+            text.prepend(random.bounded(2) ? "-" : "");
+            QVERIFY2(isDoubleText(text), text.constData());
+            QCOMPARE(doubleText(text.toDouble()), QString::fromLatin1(text));
+        }
     }
 
     // 16 bits round half to even; beyond them, and beyond a figure's range, is "Overflow".

@@ -7,6 +7,7 @@
 #include <QSqlError>
 #include <QSqlQuery>
 #include <QString>
+#include <QTimer>
 #include <QVector>
 #include <functional>
 #include <vector>
@@ -170,6 +171,8 @@ private:
     void undoStep(const QSqlQuery &failed) const;
     Recordset readAll(const QString &connection, const QString &sql);
     QString takeReader();
+    QString openReader(QString &failure); // its name, counted among the readers; empty when it cannot be opened
+    void readySpareReader();
     void giveBack(const QString &reader);
     [[noreturn]] void fail(const QSqlQuery &query) const;
     QString sent(const QString &sql) const;
@@ -180,6 +183,10 @@ private:
     Access m_access;
     QStringList m_readers;      // every reading connection, in use or not
     QStringList m_spareReaders; // those that no pending query holds
+    // A spare reader is opened at the first idle moment, and again whenever the last spare is
+    // taken (a grid rebound holds its old reader until the new query is under way), so that a
+    // keystroke does not wait for a connection (on the server a new session, some 15 ms).
+    QTimer m_spareReaderTimer;
     std::function<void(const QString &)> m_observer;
     int m_connections = 0; // how often the server's connections were opened afresh
     int m_actionDepth = 0;

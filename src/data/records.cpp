@@ -134,6 +134,31 @@ void appendDoubleText(QByteArray &text, double value)
     text += doubleText(value).toUtf8();
 }
 
+bool isDoubleText(QByteArrayView text)
+{
+    qsizetype at = text.startsWith('-') ? 1 : 0;
+    const qsizetype whole = at;
+    while (at < text.size() && text[at] >= '0' && text[at] <= '9')
+        ++at;
+    const qsizetype wholeDigits = at - whole;
+    if (wholeDigits == 0 || (wholeDigits > 1 && text[whole] == '0'))
+        return false;
+    qsizetype significant = text[whole] == '0' ? 0 : wholeDigits;
+    if (at < text.size()) {
+        if (text[at] != '.' || at + 1 == text.size() || text.back() == '0')
+            return false;
+        for (qsizetype i = at + 1; i < text.size(); ++i) {
+            if (text[i] < '0' || text[i] > '9')
+                return false;
+            if (significant > 0 || text[i] != '0')
+                ++significant;
+        }
+    } else if (text == "-0") {
+        return false;
+    }
+    return significant <= 15;
+}
+
 qint16 toInt16(double value)
 {
     const double rounded = std::nearbyint(value); // the default rounding mode: half to even

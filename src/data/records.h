@@ -33,6 +33,11 @@ QString doubleText(double value);
 // Appends doubleText(VALUE) to TEXT as UTF-8, without a text of its own for the common cases
 // (a whole number, a decimal without an exponent): a grid's rows are made of it.
 void appendDoubleText(QByteArray &text, double value);
+// Whether TEXT is already doubleText() of the number it reads as: a plain decimal with no sign
+// but a minus, no zero before the point but a lone one, none ending the fraction, and at most
+// 15 significant digits (which a double keeps exactly, so that none shorter reads back equal).
+// "-0" is not: zero's text drops its sign.
+bool isDoubleText(QByteArrayView text);
 
 // Conversion to a 16-bit signed integer, rounding half to even (8.5 gives 8, 9.5 gives 10).
 // Throws UnhandledError("Overflow") outside -32768..32767.
