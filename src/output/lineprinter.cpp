@@ -21,6 +21,38 @@ void appendPaddedLeft(QString &line, const QString &text, int width)
     line.append(text.constData(), kept);
 }
 
+namespace {
+
+bool isAscii(QByteArrayView bytes)
+{
+    return std::all_of(bytes.begin(), bytes.end(), [](char c) { return uchar(c) < 0x80; });
+}
+
+} // namespace
+
+// A byte is a character in plain ASCII; any other text is cut and filled as a text.
+void appendPaddedRight(QByteArray &line, QByteArrayView utf8, int width)
+{
+    if (!isAscii(utf8)) {
+        line += padRight(QString::fromUtf8(utf8), width).toUtf8();
+        return;
+    }
+    const qsizetype kept = std::min<qsizetype>(utf8.size(), width);
+    line.append(utf8.first(kept));
+    line.append(width - kept, ' ');
+}
+
+void appendPaddedLeft(QByteArray &line, QByteArrayView utf8, int width)
+{
+    if (!isAscii(utf8)) {
+        line += padLeft(QString::fromUtf8(utf8), width).toUtf8();
+        return;
+    }
+    const qsizetype kept = std::min<qsizetype>(utf8.size(), width);
+    line.append(width - kept, ' ');
+    line.append(utf8.first(kept));
+}
+
 QString padRight(const QString &text, int width)
 {
     QString cell;

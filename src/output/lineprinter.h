@@ -13,6 +13,9 @@ QString spaces(int count);
 // The same cells appended to a line being built, without a text of their own.
 void appendPaddedRight(QString &line, const QString &text, int width);
 void appendPaddedLeft(QString &line, const QString &text, int width);
+// The same for a line kept as UTF-8 bytes: the width counts characters as a text's do.
+void appendPaddedRight(QByteArray &line, QByteArrayView utf8, int width);
+void appendPaddedLeft(QByteArray &line, QByteArrayView utf8, int width);
 
 // The line printer: the plain-text file "LPT1" in the program's directory, created or
 // truncated for each document, each line ended by CR LF, and closed. Whoever wants paper links

@@ -37,7 +37,12 @@ QStringList printoutHead(int indent, bool spaced)
 
 Printout &Printout::operator<<(const QString &line)
 {
-    m_bytes += line.toUtf8();
+    return addUtf8Line(line.toUtf8());
+}
+
+Printout &Printout::addUtf8Line(QByteArrayView line)
+{
+    m_bytes += line;
     m_bytes += "\r\n";
     ++m_lines;
     return *this;

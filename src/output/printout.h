@@ -19,6 +19,8 @@ public:
     Printout(const QStringList &lines) { *this << lines; } // NOLINT: a list of lines is a printout
     Printout &operator<<(const QString &line);
     Printout &operator<<(const QStringList &lines);
+    // A line already in UTF-8 (a long register's, made without a text per line).
+    Printout &addUtf8Line(QByteArrayView line);
 
     int lineCount() const { return m_lines; }
     const QByteArray &bytes() const { return m_bytes; }

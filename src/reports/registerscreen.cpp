@@ -125,19 +125,19 @@ void RegisterScreen::printClicked()
                     + m_register->text(0, 4) + spaces(2) + m_register->text(0, 5);
     printout << dashes;
     const int rows = m_register->rows();
-    QString line;
+    QByteArray line;
     for (int row = 1; row < rows; ++row) {
-        line.fill(QLatin1Char(' '), 2);
-        appendPaddedRight(line, m_register->text(row, 1), 5);
-        line += QLatin1Char(' ');
-        appendPaddedRight(line, m_register->text(row, 2), 10);
-        line += QLatin1Char(' ');
-        appendPaddedRight(line, m_register->text(row, 3), 15);
-        line += QLatin1Char(' ');
-        appendPaddedRight(line, m_register->text(row, 4), 1);
-        line += QLatin1Char(' ');
-        appendPaddedLeft(line, m_register->text(row, 5), 7);
-        printout << line;
+        line.fill(' ', 2);
+        appendPaddedRight(line, m_register->utf8(row, 1), 5);
+        line += ' ';
+        appendPaddedRight(line, m_register->utf8(row, 2), 10);
+        line += ' ';
+        appendPaddedRight(line, m_register->utf8(row, 3), 15);
+        line += ' ';
+        appendPaddedRight(line, m_register->utf8(row, 4), 1);
+        line += ' ';
+        appendPaddedLeft(line, m_register->utf8(row, 5), 7);
+        printout.addUtf8Line(line);
     }
     printout << dashes << "Total (Rs.)" + spaces(28) + m_total->text() << rule;
     printLines(m_kind.title + " " + m_from->text() + " to " + m_to->text(), printout);

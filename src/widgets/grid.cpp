@@ -123,6 +123,11 @@ QString Grid::text(int row, int col)
     return m_model->cell(row - 1, col);
 }
 
+QByteArrayView Grid::utf8(int row, int col)
+{
+    return row == 0 ? QByteArrayView() : m_model->cellUtf8(row - 1, col);
+}
+
 int Grid::row() const
 {
     return m_headingCurrent || !currentIndex().isValid() ? 0 : currentIndex().row() + 1;

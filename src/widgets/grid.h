@@ -49,6 +49,9 @@ public:
     int cols() const;
     // The text of a cell: row 0 gives the headings; outside the grid, an empty text.
     QString text(int row, int col);
+    // A data cell's text (ROW 1 and on) as UTF-8 bytes, valid until the grid reads more rows or
+    // is bound again: a long printout is made of them without a text per cell.
+    QByteArrayView utf8(int row, int col);
     // Whether a data cell stands on the right as a number does.
     bool holdsNumber(int row, int col);
 

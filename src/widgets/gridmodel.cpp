@@ -90,9 +90,14 @@ void GridModel::appendCurrentRow()
 
 QString GridModel::text(int row, int queryColumn) const
 {
+    return QString::fromUtf8(utf8(row, queryColumn));
+}
+
+QByteArrayView GridModel::utf8(int row, int queryColumn) const
+{
     const qsizetype cell = qsizetype(row) * m_headings.size() + queryColumn;
     const quint32 begin = cell == 0 ? 0 : m_cellEnds[cell - 1];
-    return QString::fromUtf8(m_text.constData() + begin, m_cellEnds[cell] - begin);
+    return QByteArrayView(m_text.constData() + begin, m_cellEnds[cell] - begin);
 }
 
 Recordset GridModel::queryAlongside(const QString &sql)
@@ -128,12 +133,17 @@ QString GridModel::heading(int column) const
 
 QString GridModel::cell(int row, int column)
 {
+    return QString::fromUtf8(cellUtf8(row, column));
+}
+
+QByteArrayView GridModel::cellUtf8(int row, int column)
+{
     if (row >= m_loaded && m_reading)
         fetch(row + 1 - m_loaded);
     const int index = column - (m_leading ? 1 : 0);
     if (row < 0 || row >= m_loaded || index < 0 || index >= m_headings.size())
         return {};
-    return text(row, index);
+    return utf8(row, index);
 }
 
 // The view hears of the rows once, however many there are.

@@ -43,6 +43,8 @@ public:
     int loadedRows() const { return m_loaded; }
     // The text of a data row (0-based), loading rows up to it; empty beyond the last row.
     QString cell(int row, int column);
+    // The same text as the UTF-8 bytes the model holds: valid until the next rows are read.
+    QByteArrayView cellUtf8(int row, int column);
     void readToEnd();
     // Another query read to its end as this one reads (Database::queryAlongside).
     Recordset queryAlongside(const QString &sql);
@@ -64,6 +66,7 @@ private:
     void appendCurrentRow();
     void stopReading();
     QString text(int row, int queryColumn) const;
+    QByteArrayView utf8(int row, int queryColumn) const;
 
     Database *m_db = nullptr;
     QString m_sql;
