@@ -159,6 +159,7 @@ public:
         m_window->resize(1280, 800);
         m_window->show();
         m_sales = m_window->openScreen(QStringLiteral("sale"));
+        QTest::qWait(200); // the operator looks at the screen before the first key
     }
     ~Session() { m_db.observeStatements(nullptr); }
 
@@ -167,6 +168,7 @@ public:
     void run();
 
 private:
+    void registers(int n);
     template <class Action> void measure(Row &row, Action &&action)
     {
         keepBareInStep();
@@ -389,6 +391,12 @@ void Session::run()
     for (int i = 0; i < n / 2; ++i)
         pickFromList(ledger, QStringLiteral("Account Name"), partyName(next(m_parties)).left(4), QStringLiteral("account search grid"), ledgerView);
 
+    registers(n);
+}
+
+// The date-wise sales register of a month (the budget) and of a year, shown and printed.
+void Session::registers(int n)
+{
     openScreen("dwsrpt");
     QWidget *registerScreen = m_window->screen(QStringLiteral("dwsrpt"));
     const auto showAndPrint = [&](Row &timed, int samples) {
