@@ -30,6 +30,12 @@ namespace vantrel {
 
 namespace {
 
+// Which register span a list of dates was walked for.
+QString spanKey(const DateSpan &span)
+{
+    return QStringList{span.table, span.date, span.from, span.to}.join(QLatin1Char('\n'));
+}
+
 QString uniqueConnectionName()
 {
     static int opened = 0;
@@ -284,17 +290,76 @@ void Database::undoStep(const QSqlQuery &failed) const
 
 Recordset Database::query(const QString &sql)
 {
-    return readAll(m_connectionName, sql);
+    const DateSpan span = fileSpanOf(sql);
+    if (span.isEmpty() || inAction())
+        return readAll(m_connectionName, sql, span.isEmpty() ? QString() : spanDays(m_connectionName, span));
+    QSqlQuery read(QSqlDatabase::database(m_connectionName, false));
+    if (!read.exec(QStringLiteral("begin")))
+        fail(read);
+    try {
+        Recordset rows = readAll(m_connectionName, sql, spanDays(m_connectionName, span));
+        read.exec(QStringLiteral("commit"));
+        return rows;
+    } catch (...) {
+        read.exec(QStringLiteral("rollback"));
+        throw;
+    }
 }
 
+// An open query's statement is under way, and keeps its read transaction: the dates walked for
+// it still hold.
 Recordset Database::queryAlongside(const PendingQuery &pending, const QString &sql)
 {
-    return readAll(pending.isOpen() ? pending.m_connection : m_connectionName, sql);
+    if (!pending.isOpen())
+        return query(sql);
+    const DateSpan span = fileSpanOf(sql);
+    if (span.isEmpty())
+        return readAll(pending.m_connection, sql);
+    const bool walked = pending.m_span.span == spanKey(span);
+    return readAll(pending.m_connection, sql, walked ? pending.m_span.days : spanDays(pending.m_connection, span));
 }
 
-Recordset Database::readAll(const QString &connection, const QString &sql)
+// A query of its own begins the read in which the dates hold; the query's close ends it.
+QString Database::readSpan(PendingQuery &pending, const DateSpan &span)
 {
-    QSqlQuery query = forwardQuery(connection, sql);
+    if (span.isEmpty())
+        return {};
+    pending.m_span.span = spanKey(span);
+    if (!pending.m_inAction) {
+        QSqlQuery read(QSqlDatabase::database(pending.m_connection, false));
+        if (!read.exec(QStringLiteral("begin")))
+            fail(read);
+        pending.m_span.began = true;
+    }
+    pending.m_span.days = spanDays(pending.m_connection, span);
+    return pending.m_span.days;
+}
+
+DateSpan Database::fileSpanOf(const QString &sql) const
+{
+    return m_server ? DateSpan{} : dateSpanOf(leftJoinForm(sql));
+}
+
+// The dates as a list of their values; "null", which no date equals, when none lies in the span.
+// A date kept as anything but a text is walked inside the statement, as the engine form does.
+QString Database::spanDays(const QString &connection, const DateSpan &span)
+{
+    QSqlQuery walk = forwardQuery(connection, spanDaysStatement(span));
+    QStringList values;
+    while (walk.next()) {
+        const QVariant day = walk.value(0);
+        if (day.typeId() != QMetaType::QString)
+            return spanDaysStatement(span);
+        values << sqlLiteral(day.toString());
+    }
+    if (walk.lastError().isValid())
+        fail(walk);
+    return values.isEmpty() ? QStringLiteral("null") : values.join(QLatin1Char(','));
+}
+
+Recordset Database::readAll(const QString &connection, const QString &sql, const QString &days)
+{
+    QSqlQuery query = forwardQuery(connection, sql, days);
     QStringList names;
     const QSqlRecord record = query.record();
     for (int i = 0; i < record.count(); ++i)
@@ -317,9 +382,9 @@ Recordset Database::readAll(const QString &connection, const QString &sql)
     return Recordset(std::move(names), std::move(rows));
 }
 
-QSqlQuery Database::forwardQuery(const QString &connection, const QString &sql)
+QSqlQuery Database::forwardQuery(const QString &connection, const QString &sql, const QString &days)
 {
-    const QString text = sent(sql);
+    const QString text = days.isEmpty() ? sent(sql) : observed(spanRowsStatement(fileSpanOf(sql), days));
     markStep(connection);
     QSqlQuery query(QSqlDatabase::database(connection, false));
     query.setForwardOnly(true);
@@ -341,7 +406,7 @@ PendingQuery Database::startQuery(const QString &sql)
     else if (m_server)
         pending.openCursor(sent(sql)); // a failure gives the reader back
     else
-        pending.m_query = forwardQuery(pending.m_connection, sql); // a failure gives the reader back
+        pending.m_query = forwardQuery(pending.m_connection, sql, readSpan(pending, fileSpanOf(sql))); // a failure gives the reader back
     return pending;
 }
 
@@ -389,7 +454,7 @@ void Database::giveBack(const QString &reader)
 PendingQuery::PendingQuery(PendingQuery &&other) noexcept
     : m_db(std::exchange(other.m_db, nullptr)), m_connection(std::move(other.m_connection)), m_sql(std::move(other.m_sql)),
       m_query(std::move(other.m_query)), m_connections(other.m_connections), m_pageRows(other.m_pageRows),
-      m_inAction(std::exchange(other.m_inAction, false)), m_columns(std::move(other.m_columns))
+      m_inAction(std::exchange(other.m_inAction, false)), m_columns(std::move(other.m_columns)), m_span(std::exchange(other.m_span, {}))
 {
 }
 
@@ -405,6 +470,7 @@ PendingQuery &PendingQuery::operator=(PendingQuery &&other) noexcept
         m_pageRows = other.m_pageRows;
         m_inAction = std::exchange(other.m_inAction, false);
         m_columns = std::move(other.m_columns);
+        m_span = std::exchange(other.m_span, {});
     }
     return *this;
 }
@@ -582,6 +648,8 @@ void PendingQuery::close()
     m_query.finish();
     if (m_db->m_server && !m_inAction) // ends the cursor and its transaction, whatever state they are in
         m_query.exec(QStringLiteral("rollback"));
+    if (std::exchange(m_span, {}).began)
+        QSqlQuery(QSqlDatabase::database(m_connection, false)).exec(QStringLiteral("rollback"));
     m_query = QSqlQuery();
     m_columns = {};
     Database *db = std::exchange(m_db, nullptr);
@@ -593,10 +661,14 @@ QString Database::sent(const QString &sql) const
 {
     if (m_server && hasSecondStatement(sql))
         throw UnhandledError(QStringLiteral("Unable to execute multiple statements at a time"));
-    QString text = engineText(sql);
+    return observed(engineText(sql));
+}
+
+QString Database::observed(const QString &engineSql) const
+{
     if (m_observer)
-        m_observer(text);
-    return text;
+        m_observer(engineSql);
+    return engineSql;
 }
 
 void Database::fail(const QSqlQuery &query) const

@@ -16,6 +16,8 @@ struct sqlite3_stmt;
 
 namespace vantrel {
 
+struct DateSpan;
+
 class Database;
 
 // A query whose rows are fetched a few at a time (a grid), on a connection of its own. Its rows
@@ -78,6 +80,14 @@ private:
     int m_pageRows = 0;    // the rows the last page asked for
     bool m_inAction = false;
     mutable ServerColumns m_columns;
+    // On the file, a register's span: the list of its dates walked for the query (a total read
+    // alongside it takes the same), and whether the query began the read transaction in which
+    // that list holds (closing the query ends it).
+    struct SpanDays {
+        QString span, days;
+        bool began = false;
+    };
+    SpanDays m_span;
 };
 
 // The one connection to the shop's books, through which every statement runs: the database file,
@@ -164,18 +174,27 @@ private:
     QString openConnection(const QString &name, Role role); // empty when open, else the reason
     QString openServerConnection(const QString &name, Role role);
     QString setUpServerSession(const QSqlDatabase &db, Role role);
-    QSqlQuery forwardQuery(const QString &connection, const QString &sql);
+    // DAYS, when given, is the list of dates of the register's span SQL is (spanDays()).
+    QSqlQuery forwardQuery(const QString &connection, const QString &sql, const QString &days = {});
+    // A register's span on the file: its distinct dates are walked once, in the read transaction
+    // of the statement that reads the span's rows, and given to it as a list; a total read
+    // alongside the open listing takes the same list. Empty on the server, and for any other
+    // statement.
+    DateSpan fileSpanOf(const QString &sql) const;
+    QString spanDays(const QString &connection, const DateSpan &span);
+    QString readSpan(PendingQuery &pending, const DateSpan &span); // its dates, walked for it
     // On the server during an action, a statement on the action's connection begins with a
     // savepoint, and its failure goes back to it (the statements before it stay).
     void markStep(const QString &connection);
     void undoStep(const QSqlQuery &failed) const;
-    Recordset readAll(const QString &connection, const QString &sql);
+    Recordset readAll(const QString &connection, const QString &sql, const QString &days = {});
     QString takeReader();
     QString openReader(QString &failure); // its name, counted among the readers; empty when it cannot be opened
     void readySpareReader();
     void giveBack(const QString &reader);
     [[noreturn]] void fail(const QSqlQuery &query) const;
     QString sent(const QString &sql) const;
+    QString observed(const QString &engineSql) const; // the text as it goes to the engine
 
     QString m_connectionName;
     bool m_server = false;

@@ -55,20 +55,8 @@ namespace {
 // sort and no walk of the whole table.
 QString dateSpan(const QString &sql)
 {
-    static const QRegularExpression span(
-        QStringLiteral("^select\\s+(.+?)\\s+from\\s+(\\w+)\\s+where\\s+format\\(cdate\\((\\w+)\\),\\s*'MM/DD/YYYY'\\)\\s+between\\s+"
-                       "('[^']*')\\s+and\\s+('[^']*')\\s*$"),
-        QRegularExpression::CaseInsensitiveOption | QRegularExpression::DotMatchesEverythingOption);
-    const QRegularExpressionMatch m = span.match(sql);
-    if (!m.hasMatch() || m.captured(1).contains(QLatin1Char('\'')))
-        return sql;
-    const QString list = m.captured(1), table = m.captured(2), date = m.captured(3);
-    const QString days = QStringLiteral(
-                             "with recursive d(v) as (select min(%2) from %1 union all select (select min(%2) from %1 where %2 > d.v) "
-                             "from d where d.v is not null) select v from d where format(cdate(v),'MM/DD/YYYY') between %3 and %4")
-                             .arg(table, date, m.captured(4), m.captured(5));
-    return QStringLiteral("select %1 from (select * from %2 where rowid in (select rowid from %2 where %3 in (%4)) order by rowid limit -1) %2")
-        .arg(list, table, date, days);
+    const DateSpan span = dateSpanOf(sql);
+    return span.isEmpty() ? sql : spanRowsStatement(span, spanDaysStatement(span));
 }
 
 // The product search of the invoice screens. Its groups come out in the order of their key,
@@ -89,6 +77,31 @@ QString productSearch(const QString &sql)
 }
 
 } // namespace
+
+DateSpan dateSpanOf(const QString &sql)
+{
+    static const QRegularExpression span(
+        QStringLiteral("^select\\s+(.+?)\\s+from\\s+(\\w+)\\s+where\\s+format\\(cdate\\((\\w+)\\),\\s*'MM/DD/YYYY'\\)\\s+between\\s+"
+                       "('[^']*')\\s+and\\s+('[^']*')\\s*$"),
+        QRegularExpression::CaseInsensitiveOption | QRegularExpression::DotMatchesEverythingOption);
+    const QRegularExpressionMatch m = span.match(sql);
+    if (!m.hasMatch() || m.captured(1).contains(QLatin1Char('\'')))
+        return {};
+    return {m.captured(1), m.captured(2), m.captured(3), m.captured(4), m.captured(5)};
+}
+
+QString spanDaysStatement(const DateSpan &span)
+{
+    return QStringLiteral("with recursive d(v) as (select min(%2) from %1 union all select (select min(%2) from %1 where %2 > d.v) "
+                          "from d where d.v is not null) select v from d where format(cdate(v),'MM/DD/YYYY') between %3 and %4")
+        .arg(span.table, span.date, span.from, span.to);
+}
+
+QString spanRowsStatement(const DateSpan &span, const QString &days)
+{
+    return QStringLiteral("select %1 from (select * from %2 where rowid in (select rowid from %2 where %3 in (%4)) order by rowid limit -1) %2")
+        .arg(span.list, span.table, span.date, days);
+}
 
 ProductSearch productSearchOf(const QString &sql)
 {

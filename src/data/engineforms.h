@@ -35,6 +35,18 @@ struct ProductSearch {
 };
 ProductSearch productSearchOf(const QString &sql);
 
+// A register's date span over a whole table (the second rewrite above) in its parts; all empty for
+// any other statement.
+struct DateSpan {
+    QString list, table, date, from, to;
+    bool isEmpty() const { return table.isEmpty(); }
+};
+DateSpan dateSpanOf(const QString &sql);
+// The statement that walks the table's distinct dates and gives those whose text lies in the span.
+QString spanDaysStatement(const DateSpan &span);
+// The span's rows, their dates in DAYS: that statement as a subquery, or a list of the dates' values.
+QString spanRowsStatement(const DateSpan &span, const QString &days);
+
 // The statement with its right joins written as the equivalent left joins (the first rewrite
 // above), which every engine plans better.
 QString leftJoinForm(const QString &sql);
