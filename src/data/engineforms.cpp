@@ -78,13 +78,16 @@ QString productSearch(const QString &sql)
 
 } // namespace
 
-DateSpan dateSpanOf(const QString &sql)
+DateSpan dateSpanOf(const QString &sql, SpanFormat format)
 {
-    static const QRegularExpression span(
-        QStringLiteral("^select\\s+(.+?)\\s+from\\s+(\\w+)\\s+where\\s+format\\(cdate\\((\\w+)\\),\\s*'MM/DD/YYYY'\\)\\s+between\\s+"
-                       "('[^']*')\\s+and\\s+('[^']*')\\s*$"),
-        QRegularExpression::CaseInsensitiveOption | QRegularExpression::DotMatchesEverythingOption);
-    const QRegularExpressionMatch m = span.match(sql);
+    static const auto pattern = [](const char *function) {
+        return QRegularExpression(QStringLiteral("^select\\s+(.+?)\\s+from\\s+(\\w+)\\s+where\\s+%1\\(cdate\\((\\w+)\\),\\s*'MM/DD/YYYY'\\)\\s+"
+                                                 "between\\s+('[^']*')\\s+and\\s+('[^']*')\\s*$")
+                                      .arg(QLatin1String(function)),
+                                  QRegularExpression::CaseInsensitiveOption | QRegularExpression::DotMatchesEverythingOption);
+    };
+    static const QRegularExpression file = pattern("format"), server = pattern("vformat");
+    const QRegularExpressionMatch m = (format == SpanFormat::Server ? server : file).match(sql);
     if (!m.hasMatch() || m.captured(1).contains(QLatin1Char('\'')))
         return {};
     return {m.captured(1), m.captured(2), m.captured(3), m.captured(4), m.captured(5)};

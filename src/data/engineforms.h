@@ -41,7 +41,9 @@ struct DateSpan {
     QString list, table, date, from, to;
     bool isEmpty() const { return table.isEmpty(); }
 };
-DateSpan dateSpanOf(const QString &sql);
+// SERVER: the statement in the server's form, whose format is vformat.
+enum class SpanFormat { File, Server };
+DateSpan dateSpanOf(const QString &sql, SpanFormat format = SpanFormat::File);
 // The statement that walks the table's distinct dates and gives those whose text lies in the span.
 QString spanDaysStatement(const DateSpan &span);
 // The span's rows, their dates in DAYS: that statement as a subquery, or a list of the dates' values.

@@ -139,18 +139,14 @@ QString tableOrder(const QString &sql)
 // the index finds such rows too.
 QString dateSpan(const QString &sql)
 {
-    static const QRegularExpression span(
-        QStringLiteral("^select\\s+(.+?)\\s+from\\s+(\\w+)\\s+where\\s+vformat\\(cdate\\((\\w+)\\),\\s*'MM/DD/YYYY'\\)\\s+between\\s+"
-                       "('[^']*')\\s+and\\s+('[^']*')\\s*$"),
-        QRegularExpression::CaseInsensitiveOption | QRegularExpression::DotMatchesEverythingOption);
-    const QRegularExpressionMatch m = span.match(sql);
-    if (!m.hasMatch() || m.captured(1).contains(QLatin1Char('\'')))
+    const DateSpan span = dateSpanOf(sql, SpanFormat::Server);
+    if (span.isEmpty())
         return sql;
-    const QString list = m.captured(1), table = m.captured(2), date = m.captured(3);
+    const QString &list = span.list, &table = span.table, &date = span.date;
     const QString key = QStringLiteral("(vdatekey(%1, '%2') collate \"C\")").arg(date, serverDateOrder());
     const QString rows = QStringLiteral("from %1 where %2 between %4 and %5 and (select cdate(%3) from %1 where %2 is null and %3 is not null "
                                         "limit 1) is null order by rowid")
-                             .arg(table, key, date, m.captured(4), m.captured(5));
+                             .arg(table, key, date, span.from, span.to);
     static const QRegularExpression aggregate(QStringLiteral("\\b(sum|count|min|max|avg)\\s*\\("), QRegularExpression::CaseInsensitiveOption);
     if (aggregate.match(list).hasMatch())
         return QStringLiteral("select %1 from (select * %2) %3").arg(list, rows, table);
