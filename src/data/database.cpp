@@ -293,9 +293,7 @@ Recordset Database::query(const QString &sql)
     const DateSpan span = fileSpanOf(sql);
     if (span.isEmpty() || inAction())
         return readAll(m_connectionName, sql, span.isEmpty() ? QString() : spanDays(m_connectionName, span));
-    QSqlQuery read(QSqlDatabase::database(m_connectionName, false));
-    if (!read.exec(QStringLiteral("begin")))
-        fail(read);
+    QSqlQuery read = beginRead(m_connectionName);
     try {
         Recordset rows = readAll(m_connectionName, sql, spanDays(m_connectionName, span));
         read.exec(QStringLiteral("commit"));
@@ -326,13 +324,19 @@ QString Database::readSpan(PendingQuery &pending, const DateSpan &span)
         return {};
     pending.m_span.span = spanKey(span);
     if (!pending.m_inAction) {
-        QSqlQuery read(QSqlDatabase::database(pending.m_connection, false));
-        if (!read.exec(QStringLiteral("begin")))
-            fail(read);
+        beginRead(pending.m_connection);
         pending.m_span.began = true;
     }
     pending.m_span.days = spanDays(pending.m_connection, span);
     return pending.m_span.days;
+}
+
+QSqlQuery Database::beginRead(const QString &connection)
+{
+    QSqlQuery read(QSqlDatabase::database(connection, false));
+    if (!read.exec(QStringLiteral("begin")))
+        fail(read);
+    return read;
 }
 
 DateSpan Database::fileSpanOf(const QString &sql) const

@@ -183,6 +183,7 @@ private:
     DateSpan fileSpanOf(const QString &sql) const;
     QString spanDays(const QString &connection, const DateSpan &span);
     QString readSpan(PendingQuery &pending, const DateSpan &span); // its dates, walked for it
+    QSqlQuery beginRead(const QString &connection); // a transaction that holds one read of the file
     // On the server during an action, a statement on the action's connection begins with a
     // savepoint, and its failure goes back to it (the statements before it stay).
     void markStep(const QString &connection);
