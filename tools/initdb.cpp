@@ -24,7 +24,8 @@ int main(int argc, char **argv)
 {
     const bool moving = argc == 4 && QByteArray(argv[2]) == "--from", granting = argc == 4 && QByteArray(argv[2]) == "--counters",
                upgrading = argc == 3 && QByteArray(argv[2]) == "--upgrade";
-    if (argc != 2 && !moving && !granting && !upgrading) {
+    // a first word that begins with a dash is an option mistaken for a path ("--help"): never a file
+    if ((argc != 2 && !moving && !granting && !upgrading) || argv[1][0] == '-') {
         std::fprintf(stderr, "usage: vantrel-initdb PATH | CONNECTION [--from FILE | --counters ROLE | --upgrade]\n");
         return 2;
     }
