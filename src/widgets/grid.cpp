@@ -79,6 +79,45 @@ void Grid::refresh()
         afterBind();
 }
 
+int Grid::sizeHintForColumn(int column) const
+{
+    if (column < 0 || column >= m_model->columnCount())
+        return -1;
+    ensurePolished();
+    QStyleOptionViewItem option;
+    initViewItemOption(&option);
+    const QHeaderView *rows = verticalHeader();
+    const int count = rows->count(), top = qMax(0, rows->visualIndexAt(0));
+    const int most = rows->resizeContentsPrecision() < 0 ? count : rows->resizeContentsPrecision();
+    if (m_textWidths.size() > 50000) // a long register's distinct numbers: the cache stays small
+        m_textWidths.clear();
+    int widest = 0, measured = 0;
+    const auto measure = [&](int visual) {
+        const int row = rows->logicalIndex(visual);
+        if (rows->isSectionHidden(row))
+            return;
+        const QModelIndex index = m_model->index(row, column);
+        const QString text = index.data().toString();
+        auto width = m_textWidths.constFind(text);
+        if (width == m_textWidths.cend())
+            width = m_textWidths.insert(text, itemDelegateForIndex(index)->sizeHint(option, index).width());
+        widest = qMax(widest, *width);
+        ++measured;
+    };
+    for (int visual = top; visual < count && measured < most; ++visual)
+        measure(visual);
+    for (int visual = top - 1; visual >= 0 && measured < most; --visual)
+        measure(visual);
+    return widest + (showGrid() ? 1 : 0);
+}
+
+void Grid::changeEvent(QEvent *event)
+{
+    if (event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange)
+        m_textWidths.clear();
+    QTableView::changeEvent(event);
+}
+
 void Grid::afterBind()
 {
     resizeColumnsToContents();

@@ -78,6 +78,11 @@ protected:
     void keyPressEvent(QKeyEvent *event) override;
     void keyboardSearch(const QString &) override {}
     void currentChanged(const QModelIndex &current, const QModelIndex &previous) override;
+    // A column fits the widest text of the rows the view measures (from its top row, as many as
+    // the rows' heading allows, 1,000 unless set), each distinct text measured by the delegate
+    // once: the same dates, parties and figures come back at every activation.
+    int sizeHintForColumn(int column) const override;
+    void changeEvent(QEvent *event) override;
 
 private:
     void showWhereTheKeyboardIs();
@@ -91,6 +96,7 @@ private:
     int m_headingColumn = 0;
     QHash<int, int> m_widthsTwips;
     QHash<QString, int> m_headingWidthsTwips; // lower-cased heading -> twips
+    mutable QHash<QString, int> m_textWidths; // a cell's text -> its width in the grid's font; a font or style change forgets them
 };
 
 } // namespace vantrel

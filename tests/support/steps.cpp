@@ -430,6 +430,30 @@ void StepDesk::step(const QString &verb, const QString &argument)
             if (g->text(0, col) == value.section('=', 0, 0))
                 twips = g->columnWidth(col) * 1440 / g->logicalDpiX();
         failure = same(argument, QString::number(twips), value.section('=', 1));
+    } else if (verb == "fits") {
+        // fits GRID: each column as wide as a plain table view of the same rows, delegate, font
+        // and style would make it, in the grid's font and in a larger one.
+        Grid *g = as<Grid>(name);
+        QTableView plain;
+        plain.setModel(g->model());
+        plain.setItemDelegate(g->itemDelegate());
+        plain.setStyleSheet(g->styleSheet());
+        const QFont font = g->font();
+        for (const int larger : {0, 6}) {
+            QFont shown = font;
+            shown.setPointSize(font.pointSize() + larger);
+            g->setFont(shown);
+            plain.setFont(shown);
+            QStringList widths, expected;
+            for (int col = 0; col < g->cols(); ++col) {
+                widths << QString::number(static_cast<QAbstractItemView *>(g)->sizeHintForColumn(col));
+                expected << QString::number(static_cast<QAbstractItemView *>(&plain)->sizeHintForColumn(col));
+            }
+            if (failure.isEmpty())
+                failure = same(name + " at " + QString::number(shown.pointSize()) + " points", widths.join(' '), expected.join(' '));
+        }
+        g->setFont(font);
+        plain.setItemDelegate(nullptr);
     } else if (verb == "rows") {
         failure = same(argument, QString::number(as<Grid>(name)->rows()), value);
     } else if (verb == "focused") {
