@@ -6,7 +6,7 @@
 
 #include <QDir>
 #include <QFile>
-#include <QSaveFile>
+#include <cstdio>
 
 namespace vantrel {
 
@@ -19,6 +19,19 @@ QStringList linesOf(const QByteArray &printout)
     QStringList lines = QString::fromUtf8(printout).split(QStringLiteral("\r\n"));
     lines.removeLast(); // after the last line's end
     return lines;
+}
+
+// What Tools > Last Printout shows: a new file renamed over the last, so that it is never seen
+// half written, but not forced to the disk before the rename (a year's register is 20 MB, and
+// the copy is only a look back at what went to the printer).
+void keepCopy(const QString &programDirectory, const QByteArray &bytes)
+{
+    const QString kept = keptCopy(programDirectory), fresh = kept + QStringLiteral(".new");
+    QFile copy(fresh);
+    const bool written = copy.open(QIODevice::WriteOnly | QIODevice::Truncate) && copy.write(bytes) == bytes.size() && copy.flush();
+    copy.close();
+    if (!written || std::rename(QFile::encodeName(fresh).constData(), QFile::encodeName(kept).constData()) != 0)
+        QFile::remove(fresh);
 }
 
 } // namespace
@@ -67,11 +80,7 @@ QString deliverPrintout(const QString &programDirectory, const QString &queue, c
     } else if (const QString refused = printRaw(queue, document, printout.bytes()); !refused.isEmpty()) {
         return refused;
     }
-    QSaveFile copy(keptCopy(programDirectory)); // what Tools > Last Printout shows
-    if (copy.open(QIODevice::WriteOnly)) {
-        copy.write(printout.bytes());
-        copy.commit();
-    }
+    keepCopy(programDirectory, printout.bytes());
     return QString();
 }
 
