@@ -444,10 +444,21 @@ QString Database::openReader(QString &failure)
 // A reader that cannot be opened now is left for the query that needs one, which then says why.
 void Database::readySpareReader()
 {
+    if (!inAction() && !std::exchange(m_writerWarm, true))
+        warmUp(m_connectionName);
     QString failure;
     if (m_spareReaders.isEmpty())
-        if (const QString name = openReader(failure); !name.isEmpty())
+        if (const QString name = openReader(failure); !name.isEmpty()) {
+            warmUp(name);
             m_spareReaders << name;
+        }
+}
+
+// What it finds is of no matter: a server that stopped answering is found by the next statement.
+void Database::warmUp(const QString &connection)
+{
+    if (m_server)
+        QSqlQuery(QSqlDatabase::database(connection, false)).exec(serverWarmUpStatement());
 }
 
 void Database::giveBack(const QString &reader)

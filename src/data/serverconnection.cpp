@@ -81,6 +81,14 @@ QStringList serverSessionSetup()
             QStringLiteral("set vantrel.counter = '%1'").arg(counter), QStringLiteral("set application_name = 'Vantrel at %1'").arg(counter)};
 }
 
+QString serverWarmUpStatement()
+{
+    return QStringLiteral("do $$ declare t regclass; begin "
+                          "for t in select c.oid from pg_class c join pg_namespace n on n.oid = c.relnamespace "
+                          "where c.relkind = 'r' and n.nspname = any (current_schemas(false)) and has_table_privilege(c.oid, 'select') "
+                          "loop execute format('select 1 from %s where false', t); end loop; end $$");
+}
+
 QString serverConnectionInSchema(const QString &connection, const QString &schema)
 {
     return (quotedParameters(connection, QStringLiteral("options")) << QStringLiteral("options='-c search_path=%1,public'").arg(schema))

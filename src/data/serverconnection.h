@@ -31,6 +31,10 @@ QString runServerScript(const QSqlDatabase &db, const QString &script);
 // shortest exact text, the short date's order for cdate, and the counter's name for the edit log
 // (and as the session's application name, for the server's administrator and the upgrade's wait).
 QStringList serverSessionSetup();
+// A statement that plans a read of every table the session may read in the schemas it reads,
+// reading no row: the tables, their indexes and their columns' types then stand in the
+// session's caches.
+QString serverWarmUpStatement();
 // The order of day, month and year in the program's short date form, as "MDY".
 QString serverDateOrder();
 // CONNECTION with its tables found first in SCHEMA (a plain name), then in the books' own.
