@@ -454,10 +454,12 @@ void Database::readySpareReader()
         }
 }
 
-// What it finds is of no matter: a server that stopped answering is found by the next statement.
+// Never during an action: the action's own locks (a year's close moves tables) would hold the
+// warm-up, and the program with it, until the action ended. What it finds is of no matter: a
+// server that stopped answering is found by the next statement.
 void Database::warmUp(const QString &connection)
 {
-    if (m_server)
+    if (m_server && !inAction())
         QSqlQuery(QSqlDatabase::database(connection, false)).exec(serverWarmUpStatement());
 }
 

@@ -83,10 +83,11 @@ QStringList serverSessionSetup()
 
 QString serverWarmUpStatement()
 {
-    return QStringLiteral("do $$ declare t regclass; begin "
+    return QStringLiteral("do $$ declare t regclass; begin perform set_config('lock_timeout', '1', true); "
                           "for t in select c.oid from pg_class c join pg_namespace n on n.oid = c.relnamespace "
                           "where c.relkind = 'r' and n.nspname = any (current_schemas(false)) and has_table_privilege(c.oid, 'select') "
-                          "loop execute format('select 1 from %s where false', t); end loop; end $$");
+                          "loop execute format('select 1 from %s where false', t); end loop; "
+                          "exception when lock_not_available then null; end $$");
 }
 
 QString serverConnectionInSchema(const QString &connection, const QString &schema)

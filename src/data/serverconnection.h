@@ -33,7 +33,7 @@ QString runServerScript(const QSqlDatabase &db, const QString &script);
 QStringList serverSessionSetup();
 // A statement that plans a read of every table the session may read in the schemas it reads,
 // reading no row: the tables, their indexes and their columns' types then stand in the
-// session's caches.
+// session's caches. A table another session has locked is left alone at once.
 QString serverWarmUpStatement();
 // The order of day, month and year in the program's short date form, as "MDY".
 QString serverDateOrder();

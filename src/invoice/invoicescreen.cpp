@@ -143,6 +143,8 @@ void InvoiceScreen::buildButtonsAndLists(const Wording &wording)
     panelLayout->setContentsMargins(0, 0, 0, 0);
     panelLayout->addWidget(m_products);
     m_productPanel->hide();
+    prepareWhileIdle(m_parties);
+    prepareWhileIdle(m_productPanel);
     m_lookup = new ItemLookup(this, {m_productName, m_itemCode, m_cmpid, m_psrno, m_qty, m_rate, m_amount, m_productPanel, m_products});
 }
 

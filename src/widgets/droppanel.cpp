@@ -19,6 +19,18 @@ void showBelow(QWidget *panel, QWidget *field)
     panel->show();
 }
 
+void prepareWhileIdle(QWidget *panel)
+{
+    QTimer::singleShot(0, panel, [panel] {
+        if (!panel->isHidden() || panel->testAttribute(Qt::WA_DontShowOnScreen))
+            return;
+        panel->setAttribute(Qt::WA_DontShowOnScreen);
+        panel->show();
+        panel->hide();
+        panel->setAttribute(Qt::WA_DontShowOnScreen, false);
+    });
+}
+
 void hideAfterChoice(QWidget *panel, QWidget *nextField)
 {
     if (panel->isAncestorOf(QApplication::focusWidget()) || panel == QApplication::focusWidget())

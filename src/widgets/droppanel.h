@@ -10,6 +10,11 @@ class FieldEvents;
 // widgets. Both must be children (at any depth) of the same screen; the panel is a direct child.
 void showBelow(QWidget *panel, QWidget *field);
 
+// Lays a hidden search list or panel out once while the program is idle, shown off the screen
+// and hidden again: its first showing costs its layout and its grid's first sizes (some 5 ms),
+// which the first keystroke in its field would otherwise wait for.
+void prepareWhileIdle(QWidget *panel);
+
 // Hides a search list or panel after a choice. When the focus was inside it, it goes on to
 // NEXTFIELD; left to itself it would fall back to the screen's first field, and the release of
 // the Enter that chose would land there.
